@@ -1,0 +1,79 @@
+# What all folders share: the build options, one function for each kind of target, and Qt.
+
+include(GNUInstallDirs)
+
+add_library(tagwell_build_options INTERFACE)
+target_compile_features(tagwell_build_options INTERFACE cxx_std_20)
+target_include_directories(tagwell_build_options INTERFACE "${PROJECT_SOURCE_DIR}")
+target_compile_options(tagwell_build_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Wold-style-cast
+  $<$<BOOL:${TAGWELL_WARNINGS_AS_ERRORS}>:-Werror>)
+if(TAGWELL_SANITIZE)
+  target_compile_options(tagwell_build_options INTERFACE
+    -fsanitize=${TAGWELL_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(tagwell_build_options INTERFACE -fsanitize=${TAGWELL_SANITIZE})
+endif()
+
+if(TAGWELL_BUILD_APP)
+  find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets PrintSupport)
+endif()
+if(TAGWELL_BUILD_TESTS OR TAGWELL_BUILD_BENCH)
+  find_package(GTest REQUIRED)
+  if(TAGWELL_BUILD_APP)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
+  endif()
+endif()
+if(TAGWELL_BUILD_BENCH)
+  find_package(benchmark REQUIRED)
+endif()
+
+# tagwell_library(tagwell_core SOURCES a.cpp ... LINK libs ... [QT])
+# A static library with the shared options. With QT its classes go through moc.
+function(tagwell_library name)
+  cmake_parse_arguments(ARG "QT" "" "SOURCES;LINK" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC tagwell_build_options ${ARG_LINK})
+  if(ARG_QT)
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+  endif()
+endfunction()
+
+# tagwell_test(core TimecodeTest LINK libs ... [QT] [SOURCES more.cpp ...])
+# One executable out of <Name>.cpp, one CTest entry for each test in it, under the label given first.
+# With QT the executable gets a QApplication on the offscreen platform, and any Qt warning fails the test.
+function(tagwell_test label name)
+  cmake_parse_arguments(ARG "QT" "" "LINK;SOURCES;ENVIRONMENT" ${ARGN})
+  add_executable(${name} ${name}.cpp ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE tagwell_build_options tagwell_test_support ${ARG_LINK} GTest::gtest)
+  if(ARG_QT)
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    target_link_libraries(${name} PRIVATE tagwell_qt_test_main Qt6::Test)
+  else()
+    target_link_libraries(${name} PRIVATE GTest::gtest_main)
+  endif()
+  set(environment QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8
+    "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0"
+    ${ARG_ENVIRONMENT})
+  gtest_discover_tests(${name} TEST_PREFIX "${label}." DISCOVERY_TIMEOUT 120
+    PROPERTIES LABELS ${label} TIMEOUT 600 ENVIRONMENT "${environment}")
+endfunction()
+
+# tagwell_bench(readMetadata LINK libs ...): a Google Benchmark executable bench_<name> out of <name>.cpp.
+function(tagwell_bench name)
+  cmake_parse_arguments(ARG "QT" "" "LINK;SOURCES" ${ARGN})
+  add_executable(bench_${name} ${name}.cpp ${ARG_SOURCES})
+  target_link_libraries(bench_${name} PRIVATE
+    tagwell_build_options tagwell_test_support ${ARG_LINK} benchmark::benchmark)
+  if(ARG_QT)
+    set_target_properties(bench_${name} PROPERTIES AUTOMOC ON)
+  endif()
+endfunction()
+
+# tagwell_fuzz(IxmlText LINK libs ...): a libFuzzer executable fuzz_<Name> out of <Name>Fuzz.cpp.
+# The libraries must be built with TAGWELL_SANITIZE=fuzzer-no-link,... so that coverage reaches into them.
+function(tagwell_fuzz name)
+  cmake_parse_arguments(ARG "" "" "LINK;SOURCES" ${ARGN})
+  add_executable(fuzz_${name} ${name}Fuzz.cpp ${ARG_SOURCES})
+  target_link_libraries(fuzz_${name} PRIVATE tagwell_build_options tagwell_test_support ${ARG_LINK})
+  target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+endfunction()

@@ -1,0 +1,48 @@
+// The main function of every widget test: a QApplication without a display, a home folder of its own, and no
+// tolerance for Qt's warnings.
+
+#include <QApplication>
+#include <QByteArray>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace {
+
+void failOnWarning(QtMsgType type, const QMessageLogContext&, const QString& message)
+{
+    if (type == QtDebugMsg || type == QtInfoMsg)
+        return;
+    ADD_FAILURE() << "Qt said: " << message.toStdString();
+}
+
+bool onlyLists(int argc, char** argv)
+{
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--gtest_list_tests") == 0)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    // The list must print the same whatever the machine has, so it needs no application.
+    const bool listing = onlyLists(argc, argv);
+    testing::InitGoogleTest(&argc, argv);
+    if (listing)
+        return RUN_ALL_TESTS();
+
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QTemporaryDir home;
+    qputenv("HOME", home.path().toUtf8());
+    qputenv("XDG_RUNTIME_DIR", home.path().toUtf8());
+    qInstallMessageHandler(failOnWarning);
+    QApplication application(argc, argv);
+    return RUN_ALL_TESTS();
+}
