@@ -11,10 +11,10 @@ namespace {
 using Float4 __attribute__((vector_size(16))) = float;
 using Int4 __attribute__((vector_size(16))) = int32_t;
 
-constexpr int32_t kLanes = 4;
+constexpr size_t kLanes = 4;
 // Frames whose lane sums are held at once: 1 KiB, well inside the first-level cache.
 constexpr int32_t kFrameChunk = 64;
-constexpr int32_t kWide = 4; // Vectors of the wide pass: 16 tracks are one cache line of a frame.
+constexpr size_t kWide = 4; // Vectors of the wide pass: 16 tracks are one cache line of a frame.
 
 using TrackValues = std::array<float, PlaybackMixer::kMaxTracks>;
 using LaneSums = std::array<Float4, kFrameChunk>;
@@ -39,18 +39,18 @@ Float4 magnitude(Float4 value)
 
 // Adds `kVectors` x 4 neighbouring tracks of each frame to the lane sums. Gains and peaks stay in registers over all
 // frames.
-template <int32_t kVectors>
+template <size_t kVectors>
 void addTracks(const float* input, int32_t frames, int32_t stride, const float* gains, LaneSums& sums, float* peaks)
 {
     Float4 gain[kVectors];
     Float4 peak[kVectors];
-    for (int32_t v = 0; v < kVectors; ++v) {
+    for (size_t v = 0; v < kVectors; ++v) {
         gain[v] = load(gains + v * kLanes);
         peak[v] = load(peaks + v * kLanes);
     }
     for (int32_t frame = 0; frame < frames; ++frame) {
         Float4 sum = sums[static_cast<size_t>(frame)];
-        for (int32_t v = 0; v < kVectors; ++v) {
+        for (size_t v = 0; v < kVectors; ++v) {
             const Float4 sample = load(input + v * kLanes) * gain[v];
             const Float4 level = magnitude(sample);
             peak[v] = level > peak[v] ? level : peak[v];
@@ -59,7 +59,7 @@ void addTracks(const float* input, int32_t frames, int32_t stride, const float* 
         sums[static_cast<size_t>(frame)] = sum;
         input += stride;
     }
-    for (int32_t v = 0; v < kVectors; ++v)
+    for (size_t v = 0; v < kVectors; ++v)
         store(peaks + v * kLanes, peak[v]);
 }
 
@@ -78,18 +78,17 @@ void addSingleTrack(const float* input, int32_t frames, int32_t stride, float ga
 
 // The sum of all tracks, lane by lane, for one chunk of frames.
 void sumTracks(
-    const float* input, int32_t frames, int32_t tracks, const TrackValues& gains, LaneSums& sums, TrackValues& peaks)
+    const float* input, int32_t frames, int32_t stride, const TrackValues& gains, LaneSums& sums, TrackValues& peaks)
 {
     std::fill_n(sums.begin(), frames, Float4{});
-    int32_t track = 0;
+    const auto tracks = static_cast<size_t>(stride);
+    size_t track = 0;
     for (; track + kWide * kLanes <= tracks; track += kWide * kLanes)
-        addTracks<kWide>(input + track, frames, tracks, gains.data() + track, sums, peaks.data() + track);
+        addTracks<kWide>(input + track, frames, stride, gains.data() + track, sums, peaks.data() + track);
     for (; track + kLanes <= tracks; track += kLanes)
-        addTracks<1>(input + track, frames, tracks, gains.data() + track, sums, peaks.data() + track);
-    for (; track < tracks; ++track) {
-        const auto index = static_cast<size_t>(track);
-        addSingleTrack(input + track, frames, tracks, gains[index], sums, peaks[index]);
-    }
+        addTracks<1>(input + track, frames, stride, gains.data() + track, sums, peaks.data() + track);
+    for (; track < tracks; ++track)
+        addSingleTrack(input + track, frames, stride, gains[track], sums, peaks[track]);
 }
 
 // A sum that is no number, which only a damaged float file can make, has no place between the limits and becomes
