@@ -1,0 +1,119 @@
+#include "core/BwfMetadataReader.h"
+
+#include "core/ChunkMap.h"
+#include "core/MetadataStream.h"
+
+#include <filesystem>
+
+namespace {
+
+constexpr std::size_t kDs64Bytes = 16; // Of the payload, as far as it is read.
+constexpr std::size_t kFmtBytes = 16;
+
+// The size of the audio. On RF64 the `data` header's own size is never looked at.
+uint64_t dataSizeOf(std::istream& stream, bool isRF64, ChunkMap& chunks)
+{
+    if (!isRF64) {
+        const auto data = chunks.find(stream, "data");
+        return data ? data->size : 0;
+    }
+    const auto sizes = chunks.find(stream, "ds64");
+    if (!sizes)
+        return 0;
+    char payload[kDs64Bytes] = {};
+    chunks.read(stream, sizes->position, payload, sizeof payload);
+    return littleEndian64(payload + 8);
+}
+
+void readFormat(std::istream& stream, BwfMetadata& record, ChunkMap& chunks)
+{
+    const auto format = chunks.find(stream, "fmt ");
+    if (!format)
+        return;
+    char payload[kFmtBytes] = {};
+    chunks.read(stream, format->position, payload, sizeof payload);
+    record.channels = littleEndian16(payload + 2);
+    record.sampleRate = littleEndian32(payload + 4);
+    record.bitsPerSample = littleEndian16(payload + 14);
+}
+
+void computeDuration(uint64_t dataSize, BwfMetadata& record)
+{
+    const uint32_t frameBytes = record.bitsPerSample / 8u * record.channels;
+    if (dataSize == 0 || frameBytes == 0 || record.sampleRate == 0)
+        return;
+    record.duration = static_cast<double>(dataSize / frameBytes) / record.sampleRate;
+}
+
+} // namespace
+
+BwfMetadata BwfMetadataReader::readMetadata(const std::string& path)
+{
+    BwfMetadata record;
+    ChunkMap chunks;
+    readFileInfo(path, record, chunks);
+    readBextChunk(path, record, chunks);
+    readIxmlChunk(path, record, chunks);
+    return record;
+}
+
+void BwfMetadataReader::readFileInfo(const std::string& path, BwfMetadata& record)
+{
+    ChunkMap chunks;
+    readFileInfo(path, record, chunks);
+}
+
+// The order of the searches matters: a file without `data` (without `ds64` in RF64) has failed the stream when the
+// format's turn comes, and so ends up with no format either.
+void BwfMetadataReader::readFileInfo(const std::string& path, BwfMetadata& record, ChunkMap& chunks)
+{
+    const std::filesystem::path file(path);
+    record.fileName = file.filename().string();
+    record.fileSize = std::filesystem::file_size(file);
+    std::ifstream stream = openForReading(path);
+    if (!stream)
+        return;
+    const bool isWave = chunks.begin(stream);
+    record.isRF64 = chunks.fileId() == "RF64";
+    if (!isWave)
+        return;
+    const uint64_t dataSize = dataSizeOf(stream, record.isRF64, chunks);
+    readFormat(stream, record, chunks);
+    computeDuration(dataSize, record);
+}
+
+bool BwfMetadataReader::findChunk(std::istream& stream, std::string_view id, uint32_t& size, uint32_t& position)
+{
+    ChunkWalk walk(stream);
+    ChunkWalk::Header header;
+    while (walk.next(stream, header)) {
+        if (!header.is(id))
+            continue;
+        stream.seekg(static_cast<std::streamoff>(header.offset + ChunkWalk::kHeaderBytes));
+        size = header.size;
+        position = static_cast<uint32_t>(static_cast<std::streamoff>(stream.tellg()));
+        return true;
+    }
+    return false;
+}
+
+uint16_t BwfMetadataReader::readUint16LE(std::istream& stream)
+{
+    char bytes[2] = {};
+    stream.read(bytes, sizeof bytes);
+    return littleEndian16(bytes);
+}
+
+uint32_t BwfMetadataReader::readUint32LE(std::istream& stream)
+{
+    char bytes[4] = {};
+    stream.read(bytes, sizeof bytes);
+    return littleEndian32(bytes);
+}
+
+uint64_t BwfMetadataReader::readUint64LE(std::istream& stream)
+{
+    char bytes[8] = {};
+    stream.read(bytes, sizeof bytes);
+    return littleEndian64(bytes);
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "core/BwfMetadata.h"
+
+#include <cstdint>
+#include <istream>
+#include <string>
+#include <string_view>
+
+class ChunkMap;
+
+/// Reads what a Broadcast WAV file, RIFF or RF64, says about itself. The audio is stepped over.
+/// Nothing that stands in a file is an error: what is found is filled in, the rest stays as it is. Paths and texts are
+/// bytes, taken to be UTF-8 elsewhere. No state, any thread; all calls block.
+class BwfMetadataReader {
+public:
+    BwfMetadataReader() = delete;
+
+    /// All that the file at `path` says: the next three calls in their order, on an empty record.
+    /// Throws std::filesystem::filesystem_error if there is no such file or it can't be examined.
+    static BwfMetadata readMetadata(const std::string& path);
+
+    /// Fills in name, size, audio format, duration and whether the file is RF64.
+    /// Throws as `readMetadata`. A file that is no WAV file leaves the rest of the record as it is.
+    static void readFileInfo(const std::string& path, BwfMetadata& record);
+
+    /// Fills in the `bext` fields and a valid time reference. Without the chunk the record stays as it is; fields that
+    /// the end of the file cuts come out empty or 0.
+    static void readBextChunk(const std::string& path, BwfMetadata& record);
+
+    /// Finds the `iXML` chunk and hands its text to `parseIxml`. Without the chunk the record stays as it is.
+    static void readIxmlChunk(const std::string& path, BwfMetadata& record);
+
+    /// Fills in the production fields, the timecode values and the track list from iXML text, then what is still
+    /// missing from the record's own `description`. `text` may hold NUL bytes. An element that is missing or makes
+    /// no sense leaves its field alone.
+    static void parseIxml(std::string_view text, BwfMetadata& record);
+
+    /// Walks from the first chunk to the first one called `id` (four bytes, case matters) and leaves the stream at its
+    /// payload. `size` is the payload's size as the file gives it, `position` its offset cut to 32 bits.
+    /// False if there is none; the stream is then failed, the outputs are untouched, and since nothing clears it
+    /// every later search on it is false, too. A chunk whose size field the file cuts counts as found on a failed
+    /// stream.
+    static bool findChunk(std::istream& stream, std::string_view id, uint32_t& size, uint32_t& position);
+
+    /// Little-endian numbers from the stream's position. Bytes that the stream doesn't deliver count as 0.
+    static uint16_t readUint16LE(std::istream& stream);
+    static uint32_t readUint32LE(std::istream& stream);
+    static uint64_t readUint64LE(std::istream& stream);
+
+private:
+    static void readFileInfo(const std::string& path, BwfMetadata& record, ChunkMap& chunks);
+    static void readBextChunk(const std::string& path, BwfMetadata& record, ChunkMap& chunks);
+    static void readIxmlChunk(const std::string& path, BwfMetadata& record, ChunkMap& chunks);
+};

@@ -1,0 +1,276 @@
+// The `iXML` chunk, and the Description as the fallback behind it.
+
+#include "core/BwfMetadataReader.h"
+
+#include "core/CantarMetadataParser.h"
+#include "core/ChunkMap.h"
+#include "core/IxmlTags.h"
+#include "core/MetadataStream.h"
+#include "core/NumberText.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <optional>
+
+namespace {
+
+using Element = IxmlTags::Element;
+using Mark = IxmlTags::Mark;
+
+constexpr uint64_t kMaxTimeReference = 20'000'000'000;
+constexpr double kPullDenominator = 1001.0;
+constexpr double kPullFactor = 1.001;
+constexpr std::array<double, 3> kPulledRates{23.976, 29.97, 59.94};
+constexpr double kRateTolerance = 0.001;
+
+// The rate of a recording that was pulled up to run with a 1001 timecode, clamped to what the field can hold.
+uint32_t pulledRate(uint32_t sampleRate)
+{
+    constexpr double kMax = std::numeric_limits<uint32_t>::max();
+    return static_cast<uint32_t>(std::min(sampleRate * kPullFactor + 0.5, kMax));
+}
+
+// Both halves are taken as 64-bit numbers, so a negative one wraps and then fails the caller's limit.
+std::optional<uint64_t> combine(std::string_view low, std::string_view high)
+{
+    const std::optional<uint64_t> highValue = NumberText::parseUnsigned(high);
+    const std::optional<uint64_t> lowValue = NumberText::parseUnsigned(low);
+    if (!highValue || !lowValue)
+        return std::nullopt;
+    return *lowValue | (*highValue << 32);
+}
+
+void takeFraction(std::string_view numerator, std::string_view denominator, BwfMetadata& record)
+{
+    const std::optional<double> above = NumberText::parseDouble(numerator);
+    const std::optional<double> below = NumberText::parseDouble(denominator);
+    if (!above || !below)
+        return;
+    if (*below > 0.0)
+        record.frameRate = *above / *below;
+    if (record.timestampSampleRate == 0 && record.sampleRate != 0 && *below == kPullDenominator)
+        record.timestampSampleRate = pulledRate(record.sampleRate);
+}
+
+void takeFrameRate(std::string_view text, BwfMetadata& record)
+{
+    const std::size_t slash = text.find('/');
+    if (slash != std::string_view::npos) {
+        takeFraction(text.substr(0, slash), text.substr(slash + 1), record);
+        return;
+    }
+    if (const std::optional<double> rate = NumberText::parseDouble(text))
+        record.frameRate = *rate;
+}
+
+// The block may run on to the end of the text. A time reference of 0 counts as a value here.
+void takeSpeed(const IxmlTags& tags, BwfMetadata& record)
+{
+    const IxmlTags::Index begin = tags.find(Mark::SpeedBegin, Mark::SpeedBegin2, 0);
+    if (begin == IxmlTags::kNone)
+        return;
+    const IxmlTags::Index end = tags.find(Mark::SpeedEnd, Mark::SpeedEnd2, begin);
+    const IxmlTags::Range block{begin, std::min(end, tags.all().end)};
+
+    const std::optional<uint64_t> rate = NumberText::parseUnsigned(tags.value(Element::TimestampSampleRate, block));
+    if (rate && *rate != 0 && *rate <= std::numeric_limits<uint32_t>::max())
+        record.timestampSampleRate = static_cast<uint32_t>(*rate);
+
+    const std::optional<uint64_t> samples = combine(tags.value(Element::SamplesSinceMidnightLo, block),
+        tags.value(Element::SamplesSinceMidnightHi, block));
+    if (samples && *samples <= kMaxTimeReference)
+        record.timeReference = *samples;
+
+    takeFrameRate(tags.value(Element::TimecodeRate, block), record);
+
+    const std::string_view flag = tags.value(Element::TimecodeFlag, block);
+    if (!flag.empty())
+        record.dropFrame = flag == "DF" || flag == "df";
+}
+
+void takeUbits(const IxmlTags& tags, BwfMetadata& record)
+{
+    const std::string_view value = tags.value(Element::Ubits, tags.all());
+    if (!value.empty())
+        record.ubits = value.front() == '$' ? std::string(value) : "$" + std::string(value);
+}
+
+// Stricter than the SPEED block: both ends must be there, and a time reference of 0 is none.
+void takeBext(const IxmlTags& tags, BwfMetadata& record)
+{
+    const IxmlTags::Index begin = tags.find(Mark::BextBegin, Mark::BextBegin2, 0);
+    if (begin == IxmlTags::kNone)
+        return;
+    const IxmlTags::Index end = tags.find(Mark::BextEnd, Mark::BextEnd2, begin);
+    if (end == IxmlTags::kNone)
+        return;
+    const IxmlTags::Range block{begin, end};
+
+    const std::string_view time = tags.value(Element::OriginationTime, block);
+    if (!time.empty() && record.originationTime.empty()) {
+        record.originationTime = time;
+        std::replace(record.originationTime.begin(), record.originationTime.end(), '-', ':');
+    }
+
+    const std::string_view high = tags.value(Element::TimeReferenceHigh, block);
+    const std::optional<uint64_t> samples
+        = combine(tags.value(Element::TimeReferenceLow, block), high.empty() ? "0" : high);
+    if (samples && *samples >= 1 && *samples <= kMaxTimeReference)
+        record.timeReference = *samples;
+}
+
+void takeText(std::string_view value, std::string& field)
+{
+    if (!value.empty())
+        field = value;
+}
+
+void takeFlag(std::string_view value, bool& flag)
+{
+    if (!value.empty())
+        flag = value == "1" || NumberText::toUpperAscii(value) == "TRUE";
+}
+
+void takeProduction(const IxmlTags& tags, BwfMetadata& record)
+{
+    const IxmlTags::Range all = tags.all();
+    takeText(tags.value(Element::Scene, all), record.scene);
+    takeText(tags.value(Element::Project, all), record.project);
+    takeText(tags.value(Element::Tape, all), record.tape);
+    takeText(tags.value(Element::Take, all), record.take);
+    takeText(tags.value(Element::Note, all), record.note);
+    takeFlag(tags.value(Element::Circled, all), record.circled);
+    takeFlag(tags.value(Element::WildTrack, all), record.wildTrack);
+}
+
+// A channel number converts once for all the tracks that pick it up.
+class ChannelNumbers {
+public:
+    ChannelNumbers(const IxmlTags& tags, IxmlTags::Index listEnd)
+        : cursor(tags, Element::ChannelIndex, listEnd)
+    {
+    }
+
+    int32_t at(IxmlTags::Index track, int32_t counter)
+    {
+        const std::string_view value = cursor.value(track);
+        if (value.data() != text.data()) {
+            text = value;
+            number = NumberText::parseInt(value);
+        }
+        return number.value_or(counter);
+    }
+
+private:
+    IxmlTags::Cursor cursor;
+    std::string_view text;
+    std::optional<int32_t> number;
+};
+
+// A track's text reaches to the end of the list, not to the end of the track: an element that one track lacks comes
+// from the next one that has it.
+void takeTracks(const IxmlTags& tags, BwfMetadata& record)
+{
+    const IxmlTags::Index listBegin = tags.find(Mark::TrackListBegin, Mark::TrackListBegin2, 0);
+    if (listBegin == IxmlTags::kNone)
+        return;
+    const IxmlTags::Index listEnd = tags.find(Mark::TrackListEnd, Mark::TrackListEnd2, listBegin);
+    if (listEnd == IxmlTags::kNone)
+        return;
+
+    ChannelNumbers channels(tags, listEnd);
+    IxmlTags::Cursor names(tags, Element::Name, listEnd);
+    IxmlTags::Cursor functions(tags, Element::Function, listEnd);
+    int32_t counter = 1;
+    IxmlTags::Index track = tags.find(Mark::TrackBegin, listBegin);
+    while (track < listEnd) {
+        record.tracks.push_back(
+            {channels.at(track, counter), std::string(names.value(track)), std::string(functions.value(track))});
+        const IxmlTags::Index trackEnd = tags.find(Mark::TrackEnd, track);
+        if (trackEnd == IxmlTags::kNone)
+            return;
+        track = tags.find(Mark::TrackBegin, trackEnd);
+        ++counter;
+    }
+}
+
+void takeIfEmpty(const std::string& value, std::string& field)
+{
+    if (field.empty())
+        field = value;
+}
+
+void takeTrackNames(const TrackNameList& names, BwfMetadata& record)
+{
+    if (!record.tracks.empty())
+        return;
+    for (const auto& [index, name] : names.named())
+        record.tracks.push_back({static_cast<int32_t>(index + 1), name, {}});
+}
+
+// Recorders that write digital keys count samples in the rate of their timecode.
+void deriveTimestampRate(BwfMetadata& record)
+{
+    if (record.sampleRate == 0 || record.timestampSampleRate != 0 || !(record.frameRate > 0.0))
+        return;
+    const bool pulled = std::any_of(kPulledRates.begin(), kPulledRates.end(),
+        [&record](double rate) { return std::fabs(record.frameRate - rate) < kRateTolerance; });
+    record.timestampSampleRate = pulled ? pulledRate(record.sampleRate) : record.sampleRate;
+}
+
+void takeDescription(BwfMetadata& record)
+{
+    if (record.description.empty())
+        return;
+    const CantarMetadata parsed = CantarMetadataParser::parseDescription(record.description);
+    takeIfEmpty(parsed.scene, record.scene);
+    takeIfEmpty(parsed.tape, record.tape);
+    takeIfEmpty(parsed.take, record.take);
+    takeIfEmpty(parsed.note, record.note);
+    takeIfEmpty(parsed.ubits, record.ubits);
+    if (record.frameRate == 0.0) {
+        if (const std::optional<double> rate = NumberText::parseDouble(parsed.frameRate))
+            record.frameRate = *rate;
+    }
+    takeTrackNames(parsed.trackNames, record);
+    if (parsed.digitalKeys)
+        deriveTimestampRate(record);
+}
+
+} // namespace
+
+void BwfMetadataReader::readIxmlChunk(const std::string& path, BwfMetadata& record)
+{
+    ChunkMap chunks;
+    readIxmlChunk(path, record, chunks);
+}
+
+// What the size claims beyond the end of the file would be NUL bytes, which hold no tag: no room is made for them.
+void BwfMetadataReader::readIxmlChunk(const std::string& path, BwfMetadata& record, ChunkMap& chunks)
+{
+    std::ifstream stream = openForReading(path);
+    if (!stream || !chunks.begin(stream))
+        return;
+    const auto chunk = chunks.find(stream, "iXML");
+    if (!chunk)
+        return;
+    const auto size = static_cast<std::size_t>(chunks.available(chunk->position, chunk->size));
+    const auto text = std::make_unique_for_overwrite<char[]>(size);
+    const std::size_t arrived = chunks.read(stream, chunk->position, text.get(), size);
+    stream.close();
+    parseIxml({text.get(), arrived}, record);
+}
+
+void BwfMetadataReader::parseIxml(std::string_view text, BwfMetadata& record)
+{
+    const IxmlTags tags(text);
+    takeSpeed(tags, record);
+    takeUbits(tags, record);
+    takeBext(tags, record);
+    takeProduction(tags, record);
+    takeTracks(tags, record);
+    takeDescription(record);
+}

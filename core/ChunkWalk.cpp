@@ -1,0 +1,139 @@
+#include "core/ChunkWalk.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+// Holds what stands in front of the audio in most files, a padded iXML of 5 KB included.
+constexpr std::size_t kFirstBlockBytes = 8192;
+// Behind a jump mostly one header is wanted.
+constexpr std::size_t kSmallBlockBytes = 512;
+// Where headers follow each other closely, blocks double up to this; it still fits into the processor's cache.
+constexpr std::size_t kLargeBlockBytes = 256 * 1024;
+
+uint64_t sizeOf(std::istream& stream)
+{
+    stream.seekg(0, std::ios::end);
+    const std::streamoff end = stream.tellg();
+    return end < 0 ? 0 : static_cast<uint64_t>(end);
+}
+
+uint64_t wordAt(const char* bytes)
+{
+    uint64_t word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+}
+
+bool isZero(const char* bytes, std::size_t words)
+{
+    uint64_t sum = 0;
+    for (std::size_t i = 0; i < words; ++i)
+        sum |= wordAt(bytes + i * sizeof sum);
+    return sum == 0;
+}
+
+} // namespace
+
+ChunkWalk::ChunkWalk(uint64_t fileBytes)
+    : fileEnd(fileBytes)
+{
+}
+
+ChunkWalk::ChunkWalk(std::istream& stream)
+    : fileEnd(sizeOf(stream))
+{
+}
+
+bool ChunkWalk::next(std::istream& stream, Header& header)
+{
+    char bytes[kHeaderBytes] = {};
+    if (read(stream, position, bytes, kHeaderBytes) < sizeof header.id)
+        return false;
+    std::memcpy(header.id, bytes, sizeof header.id);
+    header.size = littleEndian32(bytes + sizeof header.id);
+    header.offset = position;
+    const uint32_t step = header.size + header.size % 2; // In 32 bits: the size 0xFFFFFFFF steps by 0.
+    position += kHeaderBytes + uint64_t{step};
+    if (isZero(bytes, 1))
+        skipEmptyChunks();
+    return true;
+}
+
+// Digital silence reads as one empty chunk without an id after the other. Whoever did not want the first of them wants
+// none, so those that lie in the block are passed by together.
+void ChunkWalk::skipEmptyChunks()
+{
+    constexpr std::size_t kWords = 8;
+    constexpr std::size_t kStride = kWords * kHeaderBytes;
+    const uint64_t blockEnd = blockBegin + blockSize;
+    if (position < blockBegin || position > blockEnd)
+        return;
+    const char* at = block.data() + (position - blockBegin);
+    const char* const end = block.data() + blockSize;
+    while (end - at >= static_cast<std::ptrdiff_t>(kStride) && isZero(at, kWords))
+        at += kStride;
+    while (end - at >= static_cast<std::ptrdiff_t>(kHeaderBytes) && isZero(at, 1))
+        at += kHeaderBytes;
+    position = blockEnd - static_cast<uint64_t>(end - at);
+}
+
+std::size_t ChunkWalk::read(std::istream& stream, uint64_t offset, char* target, std::size_t count)
+{
+    if (!stream)
+        return 0;
+    if (available(offset, count) == count) {
+        fill(stream, offset, count);
+        if (offset >= blockBegin && offset - blockBegin + count <= blockSize) {
+            std::memcpy(target, block.data() + (offset - blockBegin), count);
+            return count;
+        }
+    }
+    stream.seekg(static_cast<std::streamoff>(offset));
+    stream.read(target, static_cast<std::streamsize>(count));
+    return stream.bad() ? 0 : static_cast<std::size_t>(stream.gcount());
+}
+
+uint64_t ChunkWalk::available(uint64_t offset, uint64_t count) const
+{
+    return offset < fileEnd ? std::min(count, fileEnd - offset) : 0;
+}
+
+// Makes the block hold `count` bytes from `offset` on, if they are few enough for a block.
+void ChunkWalk::fill(std::istream& stream, uint64_t offset, std::size_t count)
+{
+    const uint64_t blockEnd = blockBegin + blockSize;
+    if (offset >= blockBegin && offset + count <= blockEnd)
+        return;
+    const bool close = blockSize != 0 && offset >= blockBegin && offset <= blockEnd;
+    std::size_t wanted = block.empty() ? kFirstBlockBytes : kSmallBlockBytes;
+    if (close)
+        wanted = std::clamp(blockSize * 2, kSmallBlockBytes, kLargeBlockBytes);
+    if (count > wanted)
+        return;
+    wanted = static_cast<std::size_t>(available(offset, wanted));
+    if (wanted > block.size())
+        block.resize(wanted);
+    stream.seekg(static_cast<std::streamoff>(offset));
+    stream.read(block.data(), static_cast<std::streamsize>(wanted));
+    blockBegin = offset;
+    blockSize = stream.bad() ? 0 : static_cast<std::size_t>(stream.gcount());
+}
+
+uint16_t littleEndian16(const char* bytes)
+{
+    const auto low = static_cast<unsigned char>(bytes[0]);
+    const auto high = static_cast<unsigned char>(bytes[1]);
+    return static_cast<uint16_t>(low | (high << 8));
+}
+
+uint32_t littleEndian32(const char* bytes)
+{
+    return littleEndian16(bytes) | static_cast<uint32_t>(littleEndian16(bytes + 2)) << 16;
+}
+
+uint64_t littleEndian64(const char* bytes)
+{
+    return littleEndian32(bytes) | static_cast<uint64_t>(littleEndian32(bytes + 4)) << 32;
+}

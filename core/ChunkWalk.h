@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <istream>
+#include <string_view>
+#include <vector>
+
+/// Steps from chunk header to chunk header through a WAV file, out of a block buffer.
+///
+/// 1. The visits and their order are those of a walk that reads eight bytes and seeks by the chunk's size, plus one
+///    when that is odd, in 32 bits: a size of 0xFFFFFFFF is a step of 0, and the walk goes on inside that chunk.
+/// 2. Blocks are only read where the file holds them, so reading ahead never fails the stream. The stream fails when
+///    a visit itself lies at or across the end of the file, and is never cleared.
+/// 3. Nothing is remembered of a stream but the file's bytes, so a walk can go on with another stream on the same file.
+class ChunkWalk {
+public:
+    struct Header {
+        char id[4] = {};
+        /// Payload size as the file gives it; bytes that the file no longer held count as 0.
+        uint32_t size = 0;
+        /// Offset in the file of the header's first byte.
+        uint64_t offset = 0;
+
+        bool is(std::string_view fourBytes) const { return std::string_view(id, sizeof id) == fourBytes; }
+    };
+
+    /// Bytes of a chunk header: id and size.
+    static constexpr uint32_t kHeaderBytes = 8;
+    /// Offset of the first chunk, behind the file's header.
+    static constexpr uint64_t kFirstChunk = 12;
+
+    /// A walk through a file of `fileBytes` bytes, in front of the first chunk.
+    explicit ChunkWalk(uint64_t fileBytes);
+    /// The same for the file under `stream`, which is asked for its size. A failed stream has size 0.
+    explicit ChunkWalk(std::istream& stream);
+
+    /// The next header. False if the walk is over or the stream had failed before; the stream is failed then.
+    /// True with a failed stream if the file ends inside the header's size field.
+    bool next(std::istream& stream, Header& header);
+
+    /// Reads up to `count` bytes from `offset` into `target` and says how many there were. Fewer than `count` fail the
+    /// stream; a failed stream gives none.
+    std::size_t read(std::istream& stream, uint64_t offset, char* target, std::size_t count);
+
+    /// Bytes of the file from `offset` on, at most `count`.
+    uint64_t available(uint64_t offset, uint64_t count) const;
+
+private:
+    void fill(std::istream& stream, uint64_t offset, std::size_t count);
+    void skipEmptyChunks();
+
+    uint64_t fileEnd = 0;
+    uint64_t position = kFirstChunk;
+    std::vector<char> block;
+    uint64_t blockBegin = 0;
+    std::size_t blockSize = 0; // Bytes of `block` that hold the file from blockBegin on.
+};
+
+/// Little-endian numbers out of raw bytes.
+uint16_t littleEndian16(const char* bytes);
+uint32_t littleEndian32(const char* bytes);
+uint64_t littleEndian64(const char* bytes);
