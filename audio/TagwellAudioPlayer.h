@@ -7,6 +7,9 @@
 #include <string>
 
 struct PlayerState;
+namespace AudioOutput {
+struct BufferList;
+}
 
 /// Plays one WAV file of up to 64 tracks through the default output device.
 ///
@@ -84,10 +87,10 @@ public:
 private:
     bool setupAudioUnit();
     void teardownAudioUnit();
-    bool openConverter();
-    void startTransport();
     void startThreads();
     void mixerLoop();
+    static int32_t renderCallback(void* context, uint32_t* actionFlags, const void* timeStamp, uint32_t busNumber,
+        uint32_t frames, AudioOutput::BufferList* bufferList);
 
     std::unique_ptr<PlayerState> state;
     PlaybackMixer mixer;

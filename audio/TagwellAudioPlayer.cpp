@@ -1,0 +1,250 @@
+#include "audio/TagwellAudioPlayer.h"
+
+#include "audio/AudioOutput.h"
+#include "audio/PlayerState.h"
+
+#include <algorithm>
+
+uint32_t PlayerState::queuedFrames() const
+{
+    return (stereoWrite.load(std::memory_order_acquire) - stereoRead.load(std::memory_order_acquire)) & kStereoMask;
+}
+
+void PlayerState::emptyStereoRing()
+{
+    stereoWrite.store(0, std::memory_order_release);
+    stereoRead.store(0, std::memory_order_release);
+}
+
+void PlayerState::zeroPeaks()
+{
+    for (std::atomic<float>& peak : peaks)
+        peak.store(0.0F, std::memory_order_relaxed);
+}
+
+TagwellAudioPlayer::TagwellAudioPlayer() : state(std::make_unique<PlayerState>()), mixer(0) { }
+
+TagwellAudioPlayer::~TagwellAudioPlayer()
+{
+    close();
+}
+
+bool TagwellAudioPlayer::open(const std::string& path)
+{
+    close();
+    if (!state->reader.open(path))
+        return false;
+    state->channels = state->reader.getChannels();
+    state->sampleRate = state->reader.getSampleRate();
+    state->bitDepth = state->reader.getBitsPerSample();
+    state->formatCode = state->reader.getFormatCode();
+    if (state->channels < 1 || state->sampleRate <= 0) {
+        state->reader.close();
+        return false;
+    }
+
+    mixer.reset(state->channels);
+    state->zeroPeaks();
+    if (!setupAudioUnit()) {
+        state->reader.close();
+        return false;
+    }
+    if (!state->converter.setup(state->sampleRate, state->deviceRate)) {
+        teardownAudioUnit();
+        state->reader.close();
+        return false;
+    }
+    startThreads();
+    return true;
+}
+
+// The reader reads ahead before any play, so that the first block is there when it is wanted.
+void TagwellAudioPlayer::startThreads()
+{
+    state->reader.startPrefetch(state->channels);
+    state->emptyStereoRing();
+    state->playing.store(false, std::memory_order_release);
+    state->paused.store(false, std::memory_order_release);
+    state->finished.store(false, std::memory_order_release);
+    state->audioStarted.store(false, std::memory_order_release);
+    state->openFlag.store(true, std::memory_order_release);
+    state->mixerRunning.store(true, std::memory_order_release);
+    state->mixerThread = std::thread([this] { mixerLoop(); });
+}
+
+void TagwellAudioPlayer::close()
+{
+    stop();
+    state->mixerRunning.store(false, std::memory_order_release);
+    if (state->mixerThread.joinable())
+        state->mixerThread.join();
+    teardownAudioUnit();
+    state->converter.teardown();
+    state->reader.close();
+    state->openFlag.store(false, std::memory_order_release);
+    state->channels = 0;
+    state->sampleRate = 0;
+}
+
+bool TagwellAudioPlayer::setupAudioUnit()
+{
+    teardownAudioUnit();
+    state->outputDevice = AudioOutput::defaultOutputDevice();
+    if (state->outputDevice == 0)
+        return false;
+    const double nominal = AudioOutput::nominalSampleRate(state->outputDevice);
+    state->deviceRate = nominal > 0.0 ? nominal : PlayerState::kDefaultRate;
+
+    state->outputUnit = AudioOutput::newUnit();
+    if (!state->outputUnit)
+        return false;
+    if (!AudioOutput::setStreamFormat(state->outputUnit, state->deviceRate)
+        || !AudioOutput::setRenderCallback(state->outputUnit, &TagwellAudioPlayer::renderCallback, state.get())) {
+        // Never initialised, so there is nothing to take back but the unit itself.
+        AudioOutput::dispose(state->outputUnit);
+        state->outputUnit = nullptr;
+        return false;
+    }
+    if (!AudioOutput::initialize(state->outputUnit)) {
+        teardownAudioUnit();
+        return false;
+    }
+    return true;
+}
+
+void TagwellAudioPlayer::teardownAudioUnit()
+{
+    if (!state->outputUnit)
+        return;
+    AudioOutput::stop(state->outputUnit);
+    AudioOutput::uninitialize(state->outputUnit);
+    AudioOutput::dispose(state->outputUnit);
+    state->outputUnit = nullptr;
+}
+
+bool TagwellAudioPlayer::play()
+{
+    if (!isOpen() || !state->outputUnit)
+        return false;
+    state->finished.store(false, std::memory_order_release);
+    state->audioStarted.store(false, std::memory_order_release);
+    state->paused.store(false, std::memory_order_release);
+    state->playing.store(true, std::memory_order_release);
+    return AudioOutput::start(state->outputUnit) == 0;
+}
+
+void TagwellAudioPlayer::pause()
+{
+    state->paused.store(true, std::memory_order_release);
+}
+
+void TagwellAudioPlayer::resume()
+{
+    if (!state->playing.load(std::memory_order_acquire) && isOpen()) {
+        (void)play(); // Nobody is there to tell; the transport shows Playing either way.
+        return;
+    }
+    state->paused.store(false, std::memory_order_release);
+}
+
+void TagwellAudioPlayer::stop()
+{
+    // An exchange rather than a store: the mixer thread finds it by an exchange of its own, see raisePeaks.
+    state->playing.exchange(false, std::memory_order_acq_rel);
+    state->paused.store(false, std::memory_order_release);
+    if (state->outputUnit)
+        AudioOutput::stop(state->outputUnit);
+    state->emptyStereoRing();
+    state->converter.reset();
+    if (state->reader.isOpen())
+        state->reader.setPosition(0);
+    state->finished.store(false, std::memory_order_release);
+    state->audioStarted.store(false, std::memory_order_release);
+    state->zeroPeaks();
+}
+
+void TagwellAudioPlayer::seekSeconds(double seconds)
+{
+    if (!state->reader.isOpen())
+        return;
+    state->emptyStereoRing();
+    state->converter.reset();
+    state->reader.seekSeconds(std::max(seconds, 0.0));
+    state->finished.store(false, std::memory_order_release);
+}
+
+bool TagwellAudioPlayer::isOpen() const
+{
+    return state->openFlag.load(std::memory_order_acquire);
+}
+
+bool TagwellAudioPlayer::isPlaying() const
+{
+    return state->playing.load(std::memory_order_acquire) && !isPaused();
+}
+
+bool TagwellAudioPlayer::isPaused() const
+{
+    return state->paused.load(std::memory_order_acquire);
+}
+
+bool TagwellAudioPlayer::isFinished() const
+{
+    return state->finished.load(std::memory_order_acquire);
+}
+
+double TagwellAudioPlayer::positionSeconds() const
+{
+    if (!state->reader.isOpen() || state->sampleRate < 1 || !(state->deviceRate > 0.0))
+        return 0.0;
+    // Two clocks: what the mixer has taken counts in file frames, what it has queued counts in device frames.
+    const double queued = state->queuedFrames() / state->deviceRate;
+    const double consumed = static_cast<double>(state->reader.getPosition()) / state->sampleRate;
+    return std::max(consumed - queued, 0.0);
+}
+
+double TagwellAudioPlayer::durationSeconds() const
+{
+    return state->reader.isOpen() ? state->reader.getDuration() : 0.0;
+}
+
+int32_t TagwellAudioPlayer::sampleRate() const
+{
+    return state->sampleRate;
+}
+int32_t TagwellAudioPlayer::channels() const
+{
+    return state->channels;
+}
+int32_t TagwellAudioPlayer::bitDepth() const
+{
+    return state->bitDepth;
+}
+int32_t TagwellAudioPlayer::formatCode() const
+{
+    return state->formatCode;
+}
+double TagwellAudioPlayer::deviceSampleRate() const
+{
+    return state->deviceRate;
+}
+
+void TagwellAudioPlayer::setTrackGain(int32_t track, float gain)
+{
+    mixer.setGain(track, gain);
+}
+void TagwellAudioPlayer::setTrackMuted(int32_t track, bool on)
+{
+    mixer.setMuted(track, on);
+}
+void TagwellAudioPlayer::setTrackSolo(int32_t track, bool on)
+{
+    mixer.setSolo(track, on);
+}
+
+float TagwellAudioPlayer::trackPeak(int32_t track) const
+{
+    if (track < 0 || track >= state->channels)
+        return 0.0F;
+    return state->peaks[static_cast<size_t>(track)].load(std::memory_order_relaxed);
+}

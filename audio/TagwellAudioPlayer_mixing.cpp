@@ -1,0 +1,113 @@
+// The mixer thread: file ring to stereo ring.
+
+#include "audio/TagwellAudioPlayer.h"
+
+#include "audio/PlayerState.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::chrono::milliseconds kNoSleep{ 0 };
+constexpr std::chrono::milliseconds kFullSleep{ 2 }; // The stereo ring holds what it should.
+constexpr std::chrono::milliseconds kNoDataSleep{ 4 }; // The reader has delivered nothing.
+constexpr std::chrono::milliseconds kIdleSleep{ 8 }; // The transport doesn't run.
+
+constexpr double kFillSeconds = 0.08; // Of sound that the stereo ring is to hold.
+constexpr uint32_t kMinimumTarget = 64;
+constexpr uint32_t kMinimumRoom = 64;
+constexpr double kLargestTarget = 1.0e9; // Keeps an absurd device rate inside 32 bits; the ring is smaller anyway.
+
+uint32_t fillTarget(double deviceRate)
+{
+    const auto frames = static_cast<uint32_t>(std::min(deviceRate * kFillSeconds, kLargestTarget));
+    return std::max(frames, kMinimumTarget);
+}
+
+// Nothing came and nothing is queued: if something was playing and the file is at its end, it has ended.
+void finishAtEnd(PlayerState& state, uint32_t used)
+{
+    if (!state.audioStarted.load(std::memory_order_acquire) || !state.reader.isAtEnd() || used != 0)
+        return;
+    state.finished.store(true, std::memory_order_release);
+    state.playing.store(false, std::memory_order_release);
+}
+
+void raisePeaks(PlayerState& state, const MixerBlocks& blocks)
+{
+    const auto tracks = static_cast<size_t>(state.channels);
+    for (size_t track = 0; track < tracks; ++track) {
+        std::atomic<float>& peak = state.peaks[track];
+        const float fallen = state.peakDecay * peak.load(std::memory_order_relaxed);
+        peak.store(std::max(blocks.peaks[track], fallen), std::memory_order_relaxed);
+    }
+    // A stop in the meantime has zeroed the peaks, perhaps before the stores above. The exchange takes part in the
+    // order of all changes of `playing`: either it finds the stop's, or the stop's zeroes come after these stores.
+    bool expected = true;
+    if (!state.playing.compare_exchange_strong(expected, true, std::memory_order_acq_rel))
+        state.zeroPeaks();
+}
+
+} // namespace
+
+MixerBlocks::MixerBlocks(int32_t channels)
+    : input(static_cast<size_t>(kFileFrames) * static_cast<size_t>(std::max(channels, 1)))
+    , stereo(static_cast<size_t>(kFileFrames) * 2)
+    , converted(static_cast<size_t>(kDeviceFrames) * 2)
+    , peaks(static_cast<size_t>(std::max(channels, 1)))
+{
+}
+
+void PlayerState::publishFrames(uint32_t firstFrame, const float* stereo, uint32_t frames)
+{
+    for (uint32_t i = 0; i < frames; ++i) {
+        const StereoFrame frame{ stereo[2 * size_t{ i }], stereo[2 * size_t{ i } + 1] };
+        stereoRing[(firstFrame + i) & kStereoMask].store(frame, std::memory_order_relaxed);
+    }
+    uint32_t expected = firstFrame;
+    stereoWrite.compare_exchange_strong(
+        expected, firstFrame + frames, std::memory_order_release, std::memory_order_relaxed);
+}
+
+std::chrono::milliseconds mixerPass(PlayerState& state, const PlaybackMixer& mixer, MixerBlocks& blocks)
+{
+    if (!state.playing.load(std::memory_order_acquire) || state.paused.load(std::memory_order_acquire))
+        return kIdleSleep;
+
+    const uint32_t written = state.stereoWrite.load(std::memory_order_relaxed);
+    const uint32_t used = (written - state.stereoRead.load(std::memory_order_acquire)) & PlayerState::kStereoMask;
+    const uint32_t target = fillTarget(state.deviceRate);
+    const uint32_t room = PlayerState::kUsableFrames - used;
+    if (target <= used || room < kMinimumRoom) {
+        finishAtEnd(state, used);
+        return kFullSleep;
+    }
+
+    // Device frames are counted here and file frames taken, without the ratio of the rates: the ring is topped up pass
+    // by pass, so it gets there all the same.
+    const uint32_t count = std::min({ target - used, room, static_cast<uint32_t>(MixerBlocks::kFileFrames) });
+    const int32_t got = state.reader.readFrames(blocks.input.data(), static_cast<int32_t>(count), state.channels);
+    if (got < 1) {
+        finishAtEnd(state, used);
+        return kNoDataSleep;
+    }
+
+    state.audioStarted.store(true, std::memory_order_release);
+    mixer.mixToStereo(blocks.input.data(), got, blocks.stereo.data(), blocks.peaks.data());
+    raisePeaks(state, blocks);
+    const int32_t made
+        = state.converter.convert(blocks.stereo.data(), got, blocks.converted.data(), MixerBlocks::kDeviceFrames);
+    if (made >= 1)
+        state.publishFrames(written, blocks.converted.data(), static_cast<uint32_t>(made));
+    return kNoSleep;
+}
+
+void TagwellAudioPlayer::mixerLoop()
+{
+    MixerBlocks blocks(state->channels);
+    while (state->mixerRunning.load(std::memory_order_acquire)) {
+        const std::chrono::milliseconds rest = mixerPass(*state, mixer, blocks);
+        if (rest > kNoSleep)
+            std::this_thread::sleep_for(rest);
+    }
+}

@@ -1,0 +1,95 @@
+// The render thread: stereo ring to the device's buffers. Nothing here locks, allocates or calls the system.
+
+#include "audio/TagwellAudioPlayer.h"
+
+#include "audio/AudioOutput.h"
+#include "audio/PlayerState.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+using AudioOutput::Buffer;
+using AudioOutput::BufferList;
+
+// What the callback has taken from the ring; frames beyond `count` are silence.
+struct Taken {
+    std::array<StereoFrame, PlayerState::kRenderBatch> frames;
+    uint32_t count;
+};
+
+void fillChannel(const Buffer& buffer, uint32_t frames, const Taken& taken, float StereoFrame::*side)
+{
+    if (!buffer.mData)
+        return;
+    auto* out = static_cast<float*>(buffer.mData);
+    for (uint32_t i = 0; i < taken.count; ++i)
+        out[i] = taken.frames[i].*side;
+    std::fill(out + taken.count, out + frames, 0.0F);
+}
+
+// One buffer for each channel: left, right, and silence in all others.
+void fillSeparate(const Buffer* buffers, uint32_t bufferCount, uint32_t frames, const Taken& taken)
+{
+    fillChannel(buffers[0], frames, taken, &StereoFrame::left);
+    fillChannel(buffers[1], frames, taken, &StereoFrame::right);
+    for (uint32_t b = 2; b < bufferCount; ++b) {
+        if (buffers[b].mData)
+            std::memset(buffers[b].mData, 0, buffers[b].mDataByteSize);
+    }
+}
+
+// One buffer of interleaved channels. Its own size says how many frames it wants, not the callback's argument.
+void fillInterleaved(const Buffer& buffer, const Taken& taken)
+{
+    const size_t channels = std::max(buffer.mNumberChannels, 1U);
+    const size_t frames = buffer.mDataByteSize / (channels * sizeof(float));
+    if (!buffer.mData || frames < 1)
+        return;
+    auto* out = static_cast<float*>(buffer.mData);
+    for (size_t f = 0; f < frames; ++f) {
+        const StereoFrame frame = f < taken.count ? taken.frames[f] : StereoFrame{};
+        out[0] = frame.left;
+        if (channels >= 2) {
+            out[1] = frame.right;
+            std::fill(out + 2, out + channels, 0.0F);
+        }
+        out += channels;
+    }
+}
+
+} // namespace
+
+uint32_t PlayerState::takeFrames(uint32_t frames, StereoFrame* out)
+{
+    if (frames == 0 || !playing.load(std::memory_order_acquire) || paused.load(std::memory_order_acquire))
+        return 0;
+    const uint32_t first = stereoRead.load(std::memory_order_relaxed);
+    const uint32_t available = (stereoWrite.load(std::memory_order_acquire) - first) & kStereoMask;
+    const uint32_t count = std::min({ frames, available, kRenderBatch });
+    for (uint32_t i = 0; i < count; ++i)
+        out[i] = stereoRing[(first + i) & kStereoMask].load(std::memory_order_relaxed);
+    uint32_t expected = first;
+    stereoRead.compare_exchange_strong(expected, first + count, std::memory_order_release, std::memory_order_relaxed);
+    return count;
+}
+
+int32_t TagwellAudioPlayer::renderCallback(void* context, uint32_t* /*actionFlags*/, const void* /*timeStamp*/,
+    uint32_t /*busNumber*/, uint32_t frames, AudioOutput::BufferList* bufferList)
+{
+    if (!context || !bufferList)
+        return 0;
+    Taken taken;
+    taken.count = static_cast<PlayerState*>(context)->takeFrames(frames, taken.frames.data());
+
+    const Buffer* buffers = bufferList->mBuffers;
+    const uint32_t bufferCount = bufferList->mNumberBuffers;
+    if (bufferCount >= 2 && buffers[0].mNumberChannels <= 1) {
+        fillSeparate(buffers, bufferCount, frames, taken);
+        return 0;
+    }
+    for (uint32_t b = 0; b < bufferCount; ++b)
+        fillInterleaved(buffers[b], taken);
+    return 0;
+}
