@@ -32,12 +32,12 @@ constexpr char kBitDepthKey[] = "media.bitdepth";
 constexpr char kRecordingKey[] = "recording.directory";
 
 constexpr std::pair<const char*, const char*> kDefaults[] = {
-    {kDriverKey, ""},
-    {kSampleRateKey, "48000"},
-    {kBufferSizeKey, "256"},
-    {kFormatKey, "0"},
-    {kBitDepthKey, "24"},
-    {kRecordingKey, ""},
+    { kDriverKey, "" },
+    { kSampleRateKey, "48000" },
+    { kBufferSizeKey, "256" },
+    { kFormatKey, "0" },
+    { kBitDepthKey, "24" },
+    { kRecordingKey, "" },
 };
 
 /// The calling thread reads and writes numbers in the C locale while this lives. The process's own locale is the
@@ -46,7 +46,7 @@ class PlainNumbers {
 public:
     PlainNumbers()
     {
-        static const locale_t plain = newlocale(LC_ALL_MASK, "C", locale_t {});
+        static const locale_t plain = newlocale(LC_ALL_MASK, "C", locale_t{});
         previous = uselocale(plain);
     }
     ~PlainNumbers() { uselocale(previous); }
@@ -63,7 +63,10 @@ std::string directoryUnderHome()
     return home ? home + std::string(kFolderUnderHome) : std::string();
 }
 
-bool isComment(const std::string& line) { return line.empty() || line[0] == '#' || line[0] == ';'; }
+bool isComment(const std::string& line)
+{
+    return line.empty() || line[0] == '#' || line[0] == ';';
+}
 
 /// Takes one line of a settings file apart and keeps it in `target`; comments and lines without "=" leave no trace.
 void parseLine(const std::string& line, std::map<std::string, std::string>& target)
@@ -105,7 +108,10 @@ bool writeAll(int file, const std::string& text)
 }
 
 /// False if the bytes may not have reached the disk. What can't be flushed by its nature counts as flushed.
-bool flushToDisk(int file) { return fsync(file) == 0 || errno == EINVAL || errno == ENOTSUP; }
+bool flushToDisk(int file)
+{
+    return fsync(file) == 0 || errno == EINVAL || errno == ENOTSUP;
+}
 
 /// Writes `text` into the file at `path`, which is made or emptied, and brings it to the disk. False if that fails.
 bool writeFile(const std::string& path, const std::string& text)
@@ -190,7 +196,10 @@ bool ConfigManager::saveConfig(const std::string& path)
     return true;
 }
 
-void ConfigManager::setString(const std::string& key, const std::string& value) { store(key, value); }
+void ConfigManager::setString(const std::string& key, const std::string& value)
+{
+    store(key, value);
+}
 
 std::string ConfigManager::getString(const std::string& key, const std::string& defaultValue) const
 {
@@ -199,7 +208,10 @@ std::string ConfigManager::getString(const std::string& key, const std::string& 
     return value ? *value : defaultValue;
 }
 
-void ConfigManager::setInt(const std::string& key, int value) { store(key, std::to_string(value)); }
+void ConfigManager::setInt(const std::string& key, int value)
+{
+    store(key, std::to_string(value));
+}
 
 int ConfigManager::getInt(const std::string& key, int defaultValue) const
 {
@@ -238,7 +250,10 @@ float ConfigManager::getFloat(const std::string& key, float defaultValue) const
     }
 }
 
-void ConfigManager::setBool(const std::string& key, bool value) { store(key, value ? "true" : "false"); }
+void ConfigManager::setBool(const std::string& key, bool value)
+{
+    store(key, value ? "true" : "false");
+}
 
 bool ConfigManager::getBool(const std::string& key, bool defaultValue) const
 {
@@ -261,25 +276,55 @@ std::string ConfigManager::getConfigPath() const
     return configPath;
 }
 
-std::string ConfigManager::getAsioDriverName() const { return getString(kDriverKey, {}); }
-void ConfigManager::setAsioDriverName(const std::string& name) { setString(kDriverKey, name); }
+std::string ConfigManager::getAsioDriverName() const
+{
+    return getString(kDriverKey, {});
+}
+void ConfigManager::setAsioDriverName(const std::string& name)
+{
+    setString(kDriverKey, name);
+}
 
-int ConfigManager::getSampleRate() const { return getInt(kSampleRateKey, 48000); }
-void ConfigManager::setSampleRate(int rate) { setInt(kSampleRateKey, rate); }
+int ConfigManager::getSampleRate() const
+{
+    return getInt(kSampleRateKey, 48000);
+}
+void ConfigManager::setSampleRate(int rate)
+{
+    setInt(kSampleRateKey, rate);
+}
 
-int ConfigManager::getBufferSize() const { return getInt(kBufferSizeKey, 256); }
-void ConfigManager::setBufferSize(int frames) { setInt(kBufferSizeKey, frames); }
+int ConfigManager::getBufferSize() const
+{
+    return getInt(kBufferSizeKey, 256);
+}
+void ConfigManager::setBufferSize(int frames)
+{
+    setInt(kBufferSizeKey, frames);
+}
 
-int ConfigManager::getMediaFormat() const { return getInt(kFormatKey, 0); }
-int ConfigManager::getMediaBitDepth() const { return getInt(kBitDepthKey, 24); }
+int ConfigManager::getMediaFormat() const
+{
+    return getInt(kFormatKey, 0);
+}
+int ConfigManager::getMediaBitDepth() const
+{
+    return getInt(kBitDepthKey, 24);
+}
 void ConfigManager::setMediaFormat(int format, int bitDepth)
 {
     setInt(kFormatKey, format);
     setInt(kBitDepthKey, bitDepth);
 }
 
-std::string ConfigManager::getRecordingDirectory() const { return getString(kRecordingKey, {}); }
-void ConfigManager::setRecordingDirectory(const std::string& directory) { setString(kRecordingKey, directory); }
+std::string ConfigManager::getRecordingDirectory() const
+{
+    return getString(kRecordingKey, {});
+}
+void ConfigManager::setRecordingDirectory(const std::string& directory)
+{
+    setString(kRecordingKey, directory);
+}
 
 const std::string* ConfigManager::find(const std::string& key) const
 {

@@ -36,7 +36,7 @@ QStringList volumeFolders()
 {
     const QString user = QDir::home().dirName();
     QStringList volumes;
-    for (const QString& root : {"/media/" + user, "/run/media/" + user, QString("/mnt")}) {
+    for (const QString& root : { "/media/" + user, "/run/media/" + user, QString("/mnt") }) {
         const QFileInfoList inside = QDir(root).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
         for (const QFileInfo& volume : inside)
             volumes.append(volume.absoluteFilePath());
@@ -44,7 +44,10 @@ QStringList volumeFolders()
     return volumes;
 }
 
-bool isReturn(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
+bool isReturn(int key)
+{
+    return key == Qt::Key_Return || key == Qt::Key_Enter;
+}
 
 QString expandHome(const QString& typed)
 {
@@ -62,8 +65,7 @@ QString countText(qsizetype count)
 
 } // namespace
 
-FilePanel::FilePanel(QWidget* parent, const QString& startDirectory, const QString& title)
-    : QDialog(parent)
+FilePanel::FilePanel(QWidget* parent, const QString& startDirectory, const QString& title) : QDialog(parent)
 {
     setObjectName("filePanel");
     setWindowTitle(title);

@@ -11,12 +11,11 @@
 
 namespace {
 
-constexpr const char* kTitles[FolderModel::ColumnCount] = {"Name", "Size", "Modified"};
+constexpr const char* kTitles[FolderModel::ColumnCount] = { "Name", "Size", "Modified" };
 
 /// The run of ASCII digits at `start`, and its part without leading zeros.
 struct DigitRun {
-    DigitRun(const QString& text, qsizetype start)
-        : end(start)
+    DigitRun(const QString& text, qsizetype start) : end(start)
     {
         while (end < text.size() && text[end] >= u'0' && text[end] <= u'9')
             ++end;
@@ -99,10 +98,7 @@ bool naturallyBefore(const QString& first, const QString& second)
     return order != 0 ? order < 0 : first < second;
 }
 
-FolderModel::FolderModel(QObject* parent)
-    : QAbstractTableModel(parent)
-{
-}
+FolderModel::FolderModel(QObject* parent) : QAbstractTableModel(parent) { }
 
 bool FolderModel::showFolder(const QString& path)
 {
@@ -117,7 +113,10 @@ bool FolderModel::showFolder(const QString& path)
     return true;
 }
 
-QFileInfo FolderModel::entry(int row) const { return row >= 0 && row < entries.size() ? entries[row] : QFileInfo(); }
+QFileInfo FolderModel::entry(int row) const
+{
+    return row >= 0 && row < entries.size() ? entries[row] : QFileInfo();
+}
 
 int FolderModel::rowOf(const QString& name) const
 {
@@ -130,7 +129,10 @@ int FolderModel::rowCount(const QModelIndex& parent) const
     return parent.isValid() ? 0 : static_cast<int>(entries.size());
 }
 
-int FolderModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : ColumnCount; }
+int FolderModel::columnCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : ColumnCount;
+}
 
 QVariant FolderModel::data(const QModelIndex& index, int role) const
 {

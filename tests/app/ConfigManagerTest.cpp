@@ -351,13 +351,13 @@ TEST_F(ConfigManagerTest, leadingDigitsAreEnoughForAnInteger)
 TEST_F(ConfigManagerTest, anIntegerThatDoesNotConvertOrFitGivesTheDefault)
 {
     load("a=abc\nb=\nc=2147483648\nd=-2147483649\ne=99999999999999999999\nf=-\n");
-    for (const char* key : {"a", "b", "c", "d", "e", "f", "absent"})
+    for (const char* key : { "a", "b", "c", "d", "e", "f", "absent" })
         EXPECT_EQ(settings().getInt(key, 99), 99) << key;
 }
 
 TEST_F(ConfigManagerTest, integersRoundTripToTheirLimits)
 {
-    for (int value : {std::numeric_limits<int>::min(), -1, 0, 1, std::numeric_limits<int>::max()}) {
+    for (int value : { std::numeric_limits<int>::min(), -1, 0, 1, std::numeric_limits<int>::max() }) {
         settings().setInt("a", value);
         EXPECT_EQ(valueOf("a"), std::to_string(value));
         EXPECT_EQ(settings().getInt("a", 99), value);
@@ -390,16 +390,16 @@ TEST_F(ConfigManagerTest, aFloatIsReadFromTheStartOfTheValue)
 TEST_F(ConfigManagerTest, aFloatThatDoesNotConvertOrFitGivesTheDefault)
 {
     load("a=abc\nb=\nc=1e39\nd=-1e39\ne=1e-60\n");
-    for (const char* key : {"a", "b", "c", "d", "e", "absent"})
+    for (const char* key : { "a", "b", "c", "d", "e", "absent" })
         EXPECT_EQ(settings().getFloat(key, 99.0f), 99.0f) << key;
 }
 
 TEST_F(ConfigManagerTest, onlyThreeValuesAreTrue)
 {
     load("a=true\nb=1\nc=yes\nd=TRUE\ne=on\nf=0\ng=Yes\nh=\ni=true \nj=false\n");
-    for (const char* key : {"a", "b", "c"})
+    for (const char* key : { "a", "b", "c" })
         EXPECT_TRUE(settings().getBool(key, false)) << key;
-    for (const char* key : {"d", "e", "f", "g", "h", "i", "j"})
+    for (const char* key : { "d", "e", "f", "g", "h", "i", "j" })
         EXPECT_FALSE(settings().getBool(key, true)) << key;
     EXPECT_TRUE(settings().getBool("absent", true));
     EXPECT_FALSE(settings().getBool("absent", false));

@@ -27,10 +27,7 @@ namespace {
 /// The open panel as a user has it before him. Every look-up fails the test if the widget isn't there.
 class PanelHands {
 public:
-    explicit PanelHands(QWidget* shown)
-        : dialog(shown)
-    {
-    }
+    explicit PanelHands(QWidget* shown) : dialog(shown) { }
 
     template <typename Widget> Widget* widget(const char* name) const
     {
@@ -94,7 +91,7 @@ class FilePanelTest : public testing::Test {
 protected:
     FilePanelTest()
     {
-        for (const char* name : {"T10.WAV", "t2.wav", "T1.wav", "notes.txt", ".hidden.wav"})
+        for (const char* name : { "T10.WAV", "t2.wav", "T1.wav", "notes.txt", ".hidden.wav" })
             writeBytes(folder.file(name), "x");
         std::filesystem::create_directories(folder.file("Day 2/inner"));
         std::filesystem::create_directories(folder.file("Day 1"));
@@ -105,8 +102,8 @@ protected:
     /// steps are over is cancelled.
     QList<QString> pick(const std::function<void(const PanelHands&)>& steps) { return pickFrom(start(), steps); }
 
-    QList<QString> pickFrom(const QString& where, const std::function<void(const PanelHands&)>& steps,
-        QWidget* parent = nullptr)
+    QList<QString> pickFrom(
+        const QString& where, const std::function<void(const PanelHands&)>& steps, QWidget* parent = nullptr)
     {
         bool ran = false;
         QTimer::singleShot(0, [&] {
@@ -151,7 +148,7 @@ TEST_F(FilePanelTest, offersNoNewFolder)
                 buttons += button->objectName();
         }
         buttons.sort();
-        EXPECT_EQ(buttons, QStringList({"cancelButton", "pickButton", "upButton"}));
+        EXPECT_EQ(buttons, QStringList({ "cancelButton", "pickButton", "upButton" }));
     });
 }
 
@@ -159,7 +156,7 @@ TEST_F(FilePanelTest, showsTheStartFolderWithFoldersFirstAndHiddenEntriesLeftOut
 {
     pick([this](const PanelHands& panel) {
         EXPECT_EQ(panel.location(), start());
-        EXPECT_EQ(panel.names(), QStringList({"Day 1", "Day 2", "notes.txt", "T1.wav", "t2.wav", "T10.WAV"}));
+        EXPECT_EQ(panel.names(), QStringList({ "Day 1", "Day 2", "notes.txt", "T1.wav", "t2.wav", "T10.WAV" }));
     });
 }
 
@@ -182,7 +179,7 @@ TEST_F(FilePanelTest, twoFilesAndAFolderAreThreePathsInTheOrderOfTheRows)
         EXPECT_EQ(panel.status(), "3 items selected");
         panel.press("pickButton");
     });
-    EXPECT_EQ(picked, QList<QString>({path("Day 2"), path("T1.wav"), path("T10.WAV")}));
+    EXPECT_EQ(picked, QList<QString>({ path("Day 2"), path("T1.wav"), path("T10.WAV") }));
 }
 
 TEST_F(FilePanelTest, shiftSelectsARange)
@@ -192,7 +189,7 @@ TEST_F(FilePanelTest, shiftSelectsARange)
         panel.click("T1.wav", Qt::ShiftModifier);
         panel.press("pickButton");
     });
-    EXPECT_EQ(picked, QList<QString>({path("Day 2"), path("notes.txt"), path("T1.wav")}));
+    EXPECT_EQ(picked, QList<QString>({ path("Day 2"), path("notes.txt"), path("T1.wav") }));
 }
 
 TEST_F(FilePanelTest, ctrlTakesAnEntryOutAgain)
@@ -203,7 +200,7 @@ TEST_F(FilePanelTest, ctrlTakesAnEntryOutAgain)
         panel.click("T1.wav", Qt::ControlModifier);
         panel.press("pickButton");
     });
-    EXPECT_EQ(picked, QList<QString>({path("t2.wav")}));
+    EXPECT_EQ(picked, QList<QString>({ path("t2.wav") }));
 }
 
 TEST_F(FilePanelTest, cancelGivesAnEmptyList)
@@ -246,17 +243,17 @@ TEST_F(FilePanelTest, aDoubleClickGoesIntoAFolder)
     const QList<QString> picked = pick([this](const PanelHands& panel) {
         panel.doubleClick("Day 2");
         EXPECT_EQ(panel.location(), path("Day 2"));
-        EXPECT_EQ(panel.names(), QStringList({"inner", "deep.wav"}));
+        EXPECT_EQ(panel.names(), QStringList({ "inner", "deep.wav" }));
         panel.click("deep.wav");
         panel.press("pickButton");
     });
-    EXPECT_EQ(picked, QList<QString>({path("Day 2/deep.wav")}));
+    EXPECT_EQ(picked, QList<QString>({ path("Day 2/deep.wav") }));
 }
 
 TEST_F(FilePanelTest, aDoubleClickAddsAFile)
 {
     const QList<QString> picked = pick([](const PanelHands& panel) { panel.doubleClick("t2.wav"); });
-    EXPECT_EQ(picked, QList<QString>({path("t2.wav")}));
+    EXPECT_EQ(picked, QList<QString>({ path("t2.wav") }));
 }
 
 TEST_F(FilePanelTest, theFolderAboveShowsTheFolderLeftAsSelected)
@@ -267,7 +264,7 @@ TEST_F(FilePanelTest, theFolderAboveShowsTheFolderLeftAsSelected)
         EXPECT_EQ(panel.location(), start());
         panel.press("pickButton");
     });
-    EXPECT_EQ(picked, QList<QString>({path("Day 2")}));
+    EXPECT_EQ(picked, QList<QString>({ path("Day 2") }));
 }
 
 TEST_F(FilePanelTest, theRootHasNothingAbove)
@@ -292,7 +289,7 @@ TEST_F(FilePanelTest, theKeyboardAloneSelectsAndAdds)
         panel.key(Qt::Key_Down, Qt::ShiftModifier);
         panel.key(Qt::Key_Return);
     });
-    EXPECT_EQ(picked, QList<QString>({path("Day 2"), path("notes.txt"), path("T1.wav")}));
+    EXPECT_EQ(picked, QList<QString>({ path("Day 2"), path("notes.txt"), path("T1.wav") }));
 }
 
 TEST_F(FilePanelTest, ctrlReturnAddsTheSelectedFolderItself)
@@ -301,7 +298,7 @@ TEST_F(FilePanelTest, ctrlReturnAddsTheSelectedFolderItself)
         panel.click("Day 1");
         panel.key(Qt::Key_Return, Qt::ControlModifier);
     });
-    EXPECT_EQ(picked, QList<QString>({path("Day 1")}));
+    EXPECT_EQ(picked, QList<QString>({ path("Day 1") }));
 }
 
 TEST_F(FilePanelTest, returnAddsASelectedFile)
@@ -310,7 +307,7 @@ TEST_F(FilePanelTest, returnAddsASelectedFile)
         panel.click("T1.wav");
         panel.key(Qt::Key_Return);
     });
-    EXPECT_EQ(picked, QList<QString>({path("T1.wav")}));
+    EXPECT_EQ(picked, QList<QString>({ path("T1.wav") }));
 }
 
 TEST_F(FilePanelTest, returnWithNothingSelectedDoesNothing)
@@ -336,7 +333,7 @@ TEST_F(FilePanelTest, letterKeysFindANameByItsBeginning)
         QTest::keyClicks(panel.view(), "t10");
         panel.key(Qt::Key_Return);
     });
-    EXPECT_EQ(picked, QList<QString>({path("T10.WAV")}));
+    EXPECT_EQ(picked, QList<QString>({ path("T10.WAV") }));
 }
 
 TEST_F(FilePanelTest, aTypedFolderIsShown)
@@ -359,7 +356,7 @@ TEST_F(FilePanelTest, aTypedFileIsSelectedInItsFolder)
         EXPECT_EQ(panel.location(), path("Day 2"));
         panel.press("pickButton");
     });
-    EXPECT_EQ(picked, QList<QString>({path("Day 2/deep.wav")}));
+    EXPECT_EQ(picked, QList<QString>({ path("Day 2/deep.wav") }));
 }
 
 TEST_F(FilePanelTest, aTypedPathThatDoesNotExistIsToldAndChangesNothing)
@@ -401,7 +398,7 @@ TEST_F(FilePanelTest, aLinkToAFileGivesTheFile)
         panel.click("link.wav");
         panel.press("pickButton");
     });
-    EXPECT_EQ(picked, QList<QString>({path("Day 2/deep.wav")}));
+    EXPECT_EQ(picked, QList<QString>({ path("Day 2/deep.wav") }));
 }
 
 TEST_F(FilePanelTest, aLinkToAFolderGivesTheFolderAndIsLeftBehindWhenEntered)
@@ -411,7 +408,7 @@ TEST_F(FilePanelTest, aLinkToAFolderGivesTheFolderAndIsLeftBehindWhenEntered)
         panel.click("alias");
         panel.press("pickButton");
     });
-    EXPECT_EQ(picked, QList<QString>({path("Day 2/inner")}));
+    EXPECT_EQ(picked, QList<QString>({ path("Day 2/inner") }));
     pick([this](const PanelHands& panel) {
         panel.doubleClick("alias");
         EXPECT_EQ(panel.location(), path("Day 2/inner"));
@@ -427,14 +424,14 @@ TEST_F(FilePanelTest, whatLeadsNowhereOrVanishedIsLeftOut)
         std::filesystem::remove(folder.file("T1.wav"));
         panel.press("pickButton");
     });
-    EXPECT_EQ(picked,
-        QList<QString>({path("Day 1"), path("Day 2"), path("notes.txt"), path("t2.wav"), path("T10.WAV")}));
+    EXPECT_EQ(
+        picked, QList<QString>({ path("Day 1"), path("Day 2"), path("notes.txt"), path("t2.wav"), path("T10.WAV") }));
 }
 
 TEST_F(FilePanelTest, namesOfAllKindsComeBackAsTheyAre)
 {
-    const QList<QString> odd = {path(" blank .wav"), path("line\nfeed.wav"), path("quote\"'.wav"),
-        path("\xC3\xA4\xE6\x97\xA5<b>.wav")};
+    const QList<QString> odd
+        = { path(" blank .wav"), path("line\nfeed.wav"), path("quote\"'.wav"), path("\xC3\xA4\xE6\x97\xA5<b>.wav") };
     for (const QString& each : odd)
         writeBytes(each.toStdString(), "x");
     const QList<QString> picked = pick([](const PanelHands& panel) {
@@ -458,7 +455,7 @@ TEST_F(FilePanelTest, aSelectionSurvivesSorting)
         EXPECT_EQ(panel.names().indexOf("t2.wav"), 2) << "the two folders stay in front";
         panel.press("pickButton");
     });
-    EXPECT_EQ(picked, QList<QString>({path("t2.wav")}));
+    EXPECT_EQ(picked, QList<QString>({ path("t2.wav") }));
 }
 
 TEST_F(FilePanelTest, f5ShowsWhatIsNew)
@@ -514,7 +511,8 @@ TEST_F(FilePanelTest, thePanelBelongsToTheParentsWindow)
 {
     QWidget window;
     auto* inner = new QWidget(&window);
-    pickFrom(start(), [&window](const PanelHands& panel) { EXPECT_EQ(panel.dialog->parentWidget(), &window); }, inner);
+    pickFrom(
+        start(), [&window](const PanelHands& panel) { EXPECT_EQ(panel.dialog->parentWidget(), &window); }, inner);
 }
 
 TEST_F(FilePanelTest, theSubtitleIsDroppedSilently)
@@ -547,7 +545,7 @@ TEST(NaturalOrder, caseMattersOnlyBetweenOtherwiseEqualTexts)
 
 TEST(NaturalOrder, differentTextsAreNeverEqualAndEqualOnesNeverBefore)
 {
-    const QStringList texts = {"", "0", "00", "007", "7", "a", "A", "a0", "a00", "ab", "T01", "T1"};
+    const QStringList texts = { "", "0", "00", "007", "7", "a", "A", "a0", "a00", "ab", "T01", "T1" };
     for (const QString& first : texts) {
         for (const QString& second : texts)
             EXPECT_EQ(naturallyBefore(first, second) || naturallyBefore(second, first), first != second);
