@@ -1,0 +1,259 @@
+#include "core/BwfMetadataWriter.h"
+
+#include "core/BwfMetadata.h"
+#include "core/BwfMetadataReader.h"
+#include "core/CantarMetadataParser.h"
+#include "core/ChunkWalk.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace {
+
+constexpr size_t kDescriptionBytes = 256;
+constexpr uint64_t kTimeReferenceOffset = 338; // Of the low half in the `bext` payload; the high half follows.
+constexpr double kDefaultFrameRate = 24.0; // For the rate line of a Description whose file tells no rate.
+constexpr auto kFirstChunk = static_cast<std::streamoff>(ChunkWalk::kFirstChunk);
+
+/// Which steps a save needs: the difference between what is wanted and what the file holds.
+struct Changes {
+    bool timeReference = false;
+    bool bext = false;
+    bool ixml = false;
+    bool tracks = false;
+
+    bool any() const { return timeReference || bext || ixml || tracks; }
+};
+
+/// An empty text stands for "leave it as it is".
+bool textChanged(const std::string& updated, const std::string& current)
+{
+    return !updated.empty() && updated != current;
+}
+
+/// Entries that only the file has do not count, and neither does the channel number.
+bool anyTrackChanged(const std::vector<BwfTrack>& updated, const std::vector<BwfTrack>& current)
+{
+    if (updated.size() > current.size())
+        return true;
+    return !std::equal(updated.begin(), updated.end(), current.begin(), [](const BwfTrack& a, const BwfTrack& b) {
+        return a.name == b.name && a.function == b.function;
+    });
+}
+
+Changes changesBetween(const BwfMetadata& current, const BwfMetadata& updated)
+{
+    const bool sharedText = textChanged(updated.note, current.note) || textChanged(updated.scene, current.scene)
+        || textChanged(updated.tape, current.tape) || textChanged(updated.take, current.take)
+        || textChanged(updated.project, current.project);
+
+    Changes changes;
+    changes.timeReference = updated.timeReference != 0 && updated.timeReference != current.timeReference;
+    // User bits go to the Description only, the two flags and the tracks to the iXML only.
+    changes.bext = sharedText || textChanged(updated.ubits, current.ubits);
+    changes.ixml = sharedText || updated.circled != current.circled || updated.wildTrack != current.wildTrack;
+    changes.tracks = anyTrackChanged(updated.tracks, current.tracks);
+    return changes;
+}
+
+/// The Description that the file gets. What the old one said stays where it is not changed, even if the iXML says
+/// otherwise; what the parser doesn't know is lost. The rate is the file's, never the wanted record's.
+std::string descriptionFor(const BwfMetadata& current, const BwfMetadata& updated)
+{
+    CantarMetadata wanted;
+    if (!current.description.empty())
+        wanted = CantarMetadataParser::parseDescription(current.description);
+
+    const auto overlay = [](std::string& field, const std::string& newValue, const std::string& oldValue) {
+        if (textChanged(newValue, oldValue))
+            field = newValue;
+    };
+    overlay(wanted.scene, updated.scene, current.scene);
+    overlay(wanted.tape, updated.tape, current.tape);
+    overlay(wanted.take, updated.take, current.take);
+    overlay(wanted.note, updated.note, current.note);
+    overlay(wanted.ubits, updated.ubits, current.ubits);
+    overlay(wanted.tag, updated.project, current.project); // The tag line carries the project.
+
+    const double rate = current.frameRate > 0.0 ? current.frameRate : kDefaultFrameRate;
+    return CantarMetadataParser::buildDescription(wanted, rate);
+}
+
+/// Bytes of the file from `position` on; 0 past its end or on a failed stream. Moves the stream.
+uint64_t bytesFrom(std::fstream& stream, uint64_t position)
+{
+    stream.seekg(0, std::ios::end);
+    const std::streamoff end = stream.tellg();
+    if (end < 0 || static_cast<uint64_t>(end) <= position)
+        return 0;
+    return static_cast<uint64_t>(end) - position;
+}
+
+/// Overwrites what lies inside the file and drops the rest: a `bext` payload shorter than its fields is not
+/// guarded against otherwise, but the file must never grow.
+void overwrite(std::fstream& stream, uint64_t position, std::string_view bytes)
+{
+    const uint64_t room = bytesFrom(stream, position);
+    stream.seekp(static_cast<std::streamoff>(position));
+    stream.write(bytes.data(), static_cast<std::streamsize>(std::min<uint64_t>(room, bytes.size())));
+}
+
+/// A text field of `size` bytes that always ends in at least one NUL.
+std::string textField(const std::string& text, size_t size)
+{
+    std::string field = size == 0 ? std::string() : text.substr(0, size - 1);
+    field.resize(size, '\0');
+    return field;
+}
+
+template <size_t Width>
+std::array<char, Width> littleEndian(uint64_t value)
+{
+    std::array<char, Width> bytes{};
+    for (char& each : bytes) {
+        each = static_cast<char>(value & 0xFF);
+        value >>= 8;
+    }
+    return bytes;
+}
+
+template <size_t Width>
+void writeLittleEndian(std::ostream& stream, uint64_t value)
+{
+    const std::array<char, Width> bytes = littleEndian<Width>(value);
+    stream.write(bytes.data(), Width);
+}
+
+uint32_t readFourBytes(std::istream& stream)
+{
+    std::array<char, 4> bytes{};
+    stream.read(bytes.data(), bytes.size());
+    return littleEndian32(bytes.data());
+}
+
+/// A position is held in 32 bits. One that does not fit must not be cut to them here: the cut position is some other
+/// place of the same file, mostly audio, and would be written over. So a chunk behind the first 4 GiB counts as not
+/// found, with all that follows from it: the stream fails as if the search had run off the end.
+bool findWritableChunk(std::istream& stream, std::string_view id, uint32_t& size, uint32_t& position)
+{
+    stream.seekg(kFirstChunk);
+    if (!stream)
+        return false;
+    ChunkWalk walk(stream);
+    ChunkWalk::Header header;
+    do {
+        if (!walk.next(stream, header))
+            return false;
+    } while (!header.is(id));
+
+    const uint64_t payload = header.offset + ChunkWalk::kHeaderBytes;
+    if (payload > UINT32_MAX) {
+        stream.setstate(std::ios::failbit);
+        return false;
+    }
+    stream.seekg(static_cast<std::streamoff>(payload));
+    size = header.size;
+    position = static_cast<uint32_t>(payload);
+    return true;
+}
+
+bool saveDescription(std::fstream& file, const BwfMetadata& current, const BwfMetadata& updated)
+{
+    uint32_t size = 0;
+    uint32_t position = 0;
+    if (!BwfMetadataWriter::findChunk(file, "bext", size, position))
+        return false;
+    return BwfMetadataWriter::updateBextDescription(file, position, descriptionFor(current, updated));
+}
+
+bool saveTimeReference(std::fstream& file, uint64_t timeReference)
+{
+    uint32_t size = 0;
+    uint32_t position = 0;
+    if (!BwfMetadataWriter::findChunk(file, "bext", size, position))
+        return false;
+    return BwfMetadataWriter::updateBextTimeReference(file, position, timeReference);
+}
+
+bool saveIxml(std::fstream& file, const BwfMetadata& current, const BwfMetadata& updated)
+{
+    uint32_t size = 0;
+    uint32_t position = 0;
+    if (!BwfMetadataWriter::findChunk(file, "iXML", size, position))
+        return false;
+    return BwfMetadataWriter::updateIxmlFields(file, position, size, current, updated);
+}
+
+} // namespace
+
+bool BwfMetadataWriter::writeMetadata(const std::string& path, const BwfMetadata& updated)
+{
+    const BwfMetadata current = BwfMetadataReader::readMetadata(path);
+    const Changes changes = changesBetween(current, updated);
+    if (!changes.any())
+        return true;
+
+    // Without a buffer of its own, so that each write reaches the file, and fails, within its own step.
+    std::fstream file;
+    file.rdbuf()->pubsetbuf(nullptr, 0);
+    file.open(path, std::ios::in | std::ios::out | std::ios::binary);
+    if (!file.is_open())
+        return false;
+
+    // The stream is not cleared between the steps: see the class comment. Each step stands by itself, and one that
+    // comes to nothing takes nothing back.
+    const bool descriptionSaved = changes.bext && saveDescription(file, current, updated);
+    const bool timeReferenceSaved = changes.timeReference && saveTimeReference(file, updated.timeReference);
+    const bool ixmlSaved = (changes.ixml || changes.tracks) && saveIxml(file, current, updated);
+    file.close();
+    return descriptionSaved || timeReferenceSaved || ixmlSaved;
+}
+
+bool BwfMetadataWriter::findChunk(std::ifstream& stream, std::string_view id, uint32_t& size, uint32_t& position)
+{
+    return findWritableChunk(stream, id, size, position);
+}
+
+bool BwfMetadataWriter::findChunk(std::fstream& stream, std::string_view id, uint32_t& size, uint32_t& position)
+{
+    return findWritableChunk(stream, id, size, position);
+}
+
+bool BwfMetadataWriter::updateBextDescription(std::fstream& stream, uint32_t position, const std::string& text)
+{
+    if (bytesFrom(stream, position) >= kDescriptionBytes)
+        writeString(stream, text, kDescriptionBytes, position);
+    else
+        overwrite(stream, position, textField(text, kDescriptionBytes));
+    return true;
+}
+
+bool BwfMetadataWriter::updateBextTimeReference(std::fstream& stream, uint32_t position, uint64_t value)
+{
+    const std::array<char, 8> bytes = littleEndian<8>(value); // Both halves, the low one first.
+    overwrite(stream, position + kTimeReferenceOffset, {bytes.data(), bytes.size()});
+    return stream.good();
+}
+
+void BwfMetadataWriter::writeString(
+    std::fstream& stream, const std::string& text, size_t fieldSize, uint32_t position)
+{
+    const std::string field = textField(text, fieldSize);
+    stream.seekp(static_cast<std::streamoff>(position));
+    stream.write(field.data(), static_cast<std::streamsize>(field.size()));
+}
+
+void BwfMetadataWriter::writeString(std::ofstream& stream, const std::string& text, size_t fieldSize)
+{
+    const std::string field = textField(text, fieldSize);
+    stream.write(field.data(), static_cast<std::streamsize>(field.size()));
+}
+
+void BwfMetadataWriter::writeUint32LE(std::ofstream& stream, uint32_t value) { writeLittleEndian<4>(stream, value); }
+void BwfMetadataWriter::writeUint32LE(std::fstream& stream, uint32_t value) { writeLittleEndian<4>(stream, value); }
+void BwfMetadataWriter::writeUint16LE(std::ofstream& stream, uint16_t value) { writeLittleEndian<2>(stream, value); }
+void BwfMetadataWriter::writeUint64LE(std::ofstream& stream, uint64_t value) { writeLittleEndian<8>(stream, value); }
+
+uint32_t BwfMetadataWriter::readUint32LE(std::ifstream& stream) { return readFourBytes(stream); }
+uint32_t BwfMetadataWriter::readUint32LE(std::fstream& stream) { return readFourBytes(stream); }
