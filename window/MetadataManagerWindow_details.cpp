@@ -1,0 +1,196 @@
+#include "window/MetadataManagerWindow.h"
+
+#include "window/FileTableColumns.h"
+#include "window/MetadataTexts.h"
+
+#include <QCheckBox>
+#include <QItemSelection>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScopedValueRollback>
+#include <QTableWidget>
+#include <QTextEdit>
+
+#include <algorithm>
+
+namespace {
+
+QString orMark(const QString& text) { return text.isEmpty() ? noValueMark() : text; }
+
+/// A cell of the track table that shows a fact of the file.
+QTableWidgetItem* fixedItem(const QString& text)
+{
+    auto* item = new QTableWidgetItem(text);
+    item->setFlags(item->flags() & ~Qt::ItemIsEditable);
+    return item;
+}
+
+} // namespace
+
+QList<int> MetadataManagerWindow::selectedRows() const
+{
+    if (rowsOfFill)
+        return *rowsOfFill;
+
+    // By ranges and not by items: the table has fourteen items a row. Ranges may share rows, as a cell can be
+    // selected by itself.
+    QList<int> rows;
+    const QItemSelection selection = fileTable->selectionModel()->selection();
+    for (const QItemSelectionRange& range : selection) {
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows.append(row);
+    }
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return rows;
+}
+
+void MetadataManagerWindow::onFileSelectionChanged()
+{
+    removeFileButton->setEnabled(fileTable->selectionModel()->hasSelection());
+    updateMetadataDisplay();
+}
+
+void MetadataManagerWindow::onMetadataChanged()
+{
+    dirty = true;
+    saveButton->setEnabled(fileTable->selectionModel()->hasSelection());
+}
+
+void MetadataManagerWindow::updateMetadataDisplay()
+{
+    const QList<int> rows = selectedRows();
+    const QScopedValueRollback<std::optional<QList<int>>> rowsOfThisFill(rowsOfFill, rows);
+
+    // A start time that was typed but not saved lives no longer than what the panes show.
+    pendingTimeReference = 0;
+    if (rows.isEmpty()) {
+        showNoRow();
+        trackTable->setRowCount(0);
+        saveButton->setEnabled(false);
+        return;
+    }
+    if (rows.size() == 1) {
+        if (!hasRecord(rows.first()))
+            return;
+        showOneRow(records.at(rows.first()));
+    } else {
+        showSeveralRows(rows.size());
+        trackTable->setRowCount(0);
+    }
+    saveButton->setEnabled(dirty);
+}
+
+void MetadataManagerWindow::showNoRow()
+{
+    for (QLabel* label : { currentFileLabel, channelsLabel, sampleRateLabel, tcSampleRateLabel, frameRateLabel,
+             lengthLabel, samplesSinceMidnightLabel, userBitsLabel, bitDepthLabel })
+        label->setText(noValueMark());
+    timecodeButton->setText(noValueMark());
+    for (QLineEdit* edit : { sceneEdit, takeEdit, projectEdit, tapeIdEdit })
+        edit->clear();
+    notesEdit->clear();
+    circledCheck->setChecked(false);
+    wildTrackCheck->setChecked(false);
+}
+
+void MetadataManagerWindow::showOneRow(const BwfMetadata& record)
+{
+    currentFileLabel->setText(textFromUtf8(record.fileName));
+    channelsLabel->setText(QString::number(record.channels));
+    sceneEdit->setText(textFromUtf8(record.scene));
+    takeEdit->setEnabled(true);
+    takeEdit->setText(textFromUtf8(record.take));
+    circledCheck->setChecked(record.circled);
+    wildTrackCheck->setChecked(record.wildTrack);
+    projectEdit->setText(textFromUtf8(record.project));
+    tapeIdEdit->setText(textFromUtf8(record.tape));
+    notesEdit->setPlainText(textFromUtf8(record.note));
+
+    const uint32_t rate = timecodeRate(record);
+    sampleRateLabel->setText(hertzText(record.sampleRate));
+    tcSampleRateLabel->setText(rate != 0 ? hertzText(rate) : noValueMark());
+    frameRateLabel->setText(frameRateText(record.frameRate));
+    timecodeButton->setText(startTimecodeText(record));
+    lengthLabel->setText(formatDuration(record.duration));
+    samplesSinceMidnightLabel->setText(
+        record.timeReference != 0 ? QString::number(record.timeReference) : noValueMark());
+    userBitsLabel->setText(orMark(textFromUtf8(record.ubits)));
+    bitDepthLabel->setText(QStringLiteral("%1 bit").arg(record.bitsPerSample));
+    showTracks(record.tracks);
+}
+
+void MetadataManagerWindow::showSeveralRows(qsizetype count)
+{
+    currentFileLabel->setText(QStringLiteral("%1 files selected").arg(count));
+    channelsLabel->setText(
+        getCommonValue(QStringLiteral("channels"), [](const BwfMetadata& r) { return QString::number(r.channels); }));
+    sceneEdit->setText(
+        getCommonValue(QStringLiteral("scene"), [](const BwfMetadata& r) { return textFromUtf8(r.scene); }));
+    // A take is never shared, not even if all files say the same.
+    takeEdit->setEnabled(false);
+    takeEdit->setText(noValueMark());
+    circledCheck->setChecked(getCommonBool(QStringLiteral("circled"), [](const BwfMetadata& r) { return r.circled; }));
+    wildTrackCheck->setChecked(
+        getCommonBool(QStringLiteral("wildTrack"), [](const BwfMetadata& r) { return r.wildTrack; }));
+    projectEdit->setText(
+        getCommonValue(QStringLiteral("project"), [](const BwfMetadata& r) { return textFromUtf8(r.project); }));
+    tapeIdEdit->setText(
+        getCommonValue(QStringLiteral("tape"), [](const BwfMetadata& r) { return textFromUtf8(r.tape); }));
+    notesEdit->setPlainText(
+        getCommonValue(QStringLiteral("notes"), [](const BwfMetadata& r) { return textFromUtf8(r.note); }));
+
+    sampleRateLabel->setText(
+        getCommonValue(QStringLiteral("sampleRate"), [](const BwfMetadata& r) { return hertzText(r.sampleRate); }));
+    // Only the rate that the files give themselves; unlike with one file it does not fall back on the audio's.
+    tcSampleRateLabel->setText(getCommonValue(QStringLiteral("tcSampleRate"), [](const BwfMetadata& r) {
+        return r.timestampSampleRate != 0 ? hertzText(r.timestampSampleRate) : noValueMark();
+    }));
+    frameRateLabel->setText(
+        getCommonValue(QStringLiteral("framerate"), [](const BwfMetadata& r) { return frameRateText(r.frameRate); }));
+    timecodeButton->setText(noValueMark());
+    for (QLabel* label : { lengthLabel, samplesSinceMidnightLabel, userBitsLabel, bitDepthLabel })
+        label->setText(noValueMark());
+}
+
+void MetadataManagerWindow::showTracks(const std::vector<BwfTrack>& tracks)
+{
+    trackTable->setRowCount(static_cast<int>(tracks.size()));
+    int row = 0;
+    for (const BwfTrack& track : tracks) {
+        trackTable->setItem(row, indexOf(TrackColumn::Interleave), fixedItem(QString::number(row + 1)));
+        trackTable->setItem(row, indexOf(TrackColumn::Channel), fixedItem(QString::number(track.channelIndex)));
+        trackTable->setItem(row, indexOf(TrackColumn::Name), new QTableWidgetItem(textFromUtf8(track.name)));
+        trackTable->setItem(row, indexOf(TrackColumn::Function), new QTableWidgetItem(textFromUtf8(track.function)));
+        ++row;
+    }
+}
+
+QString MetadataManagerWindow::getCommonValue(const QString&, std::function<QString(const BwfMetadata&)> getter)
+{
+    std::optional<QString> common;
+    for (const int row : selectedRows()) {
+        if (!hasRecord(row))
+            continue;
+        const QString value = getter(records.at(row));
+        if (common && *common != value)
+            return noValueMark();
+        common = value;
+    }
+    return common.value_or(noValueMark());
+}
+
+bool MetadataManagerWindow::getCommonBool(const QString&, std::function<bool(const BwfMetadata&)> getter)
+{
+    std::optional<bool> common;
+    for (const int row : selectedRows()) {
+        if (!hasRecord(row))
+            continue;
+        const bool value = getter(records.at(row));
+        if (common && *common != value)
+            return false;
+        common = value;
+    }
+    return common.value_or(false);
+}

@@ -1,0 +1,3 @@
+#include "window/MetadataManagerWindow.h"
+
+void MetadataManagerWindow::onSaveChanges() { }
