@@ -1,0 +1,26 @@
+#include "app/TagwellApplication.h"
+
+#include "app/WavArguments.h"
+#include "window/MetadataManagerWindow.h"
+
+#include <QFileInfo>
+#include <QFileOpenEvent>
+
+TagwellApplication::~TagwellApplication() = default;
+
+bool TagwellApplication::event(QEvent* event)
+{
+    if (event->type() != QEvent::FileOpen)
+        return QApplication::event(event);
+
+    // A folder is not taken: folders come by drag and drop or through the open panel.
+    const QString file = static_cast<QFileOpenEvent*>(event)->file();
+    if (file.isEmpty() || !hasWavSuffix(file) || mainWindow == nullptr)
+        return QApplication::event(event);
+
+    mainWindow->openFiles({ file });
+    mainWindow->show();
+    mainWindow->raise();
+    mainWindow->activateWindow();
+    return true;
+}

@@ -1,0 +1,57 @@
+#include "app/ConfigManager.h"
+#include "app/MainMenu.h"
+#include "app/NativeFilePanel.h"
+#include "app/TagwellApplication.h"
+#include "app/Theme.h"
+#include "app/WavArguments.h"
+#include "window/MetadataManagerWindow.h"
+
+namespace {
+
+void setIdentity()
+{
+    QCoreApplication::setApplicationName(QStringLiteral("Tagwell"));
+    QCoreApplication::setApplicationVersion(QStringLiteral("1.0.15"));
+    QCoreApplication::setOrganizationName(QStringLiteral("Brindle Audio"));
+    QCoreApplication::setOrganizationDomain(QStringLiteral("brindleaudio.com"));
+    QGuiApplication::setQuitOnLastWindowClosed(true);
+}
+
+void loadSettings()
+{
+    // Without a readable file the defaults stand.
+    (void)ConfigManager::getInstance().loadConfig({});
+}
+
+void openArguments(MetadataManagerWindow& window)
+{
+    const QList<QString> files = wavArguments(QCoreApplication::arguments());
+    if (!files.isEmpty())
+        window.openFiles(files);
+}
+
+void showWindow(MetadataManagerWindow& window)
+{
+    window.show();
+    // Only a window that is shown has the native title bar that the subtitle goes to.
+    setMacWindowSubtitle(&window, "By Brindle Audio Works, LLC");
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    TagwellApplication application(argc, argv);
+    setIdentity();
+    loadSettings();
+
+    MetadataManagerWindow window(nullptr);
+    window.setWindowTitle(QStringLiteral("Tagwell"));
+    window.setStyleSheet(Theme::filledMainStyleSheet());
+    buildMenuBar(&window);
+    application.mainWindow = &window;
+
+    openArguments(window);
+    showWindow(window);
+    return QApplication::exec();
+}
