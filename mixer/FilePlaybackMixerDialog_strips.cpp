@@ -1,0 +1,197 @@
+#include "mixer/FilePlaybackMixerDialog.h"
+
+#include "audio/TagwellAudioPlayer.h"
+#include "mixer/FaderSlider.h"
+#include "mixer/MeterWidget.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <cmath>
+
+namespace {
+
+// Fader values are tenths of a decibel. The lowest eleven are silence.
+constexpr int kFaderLowest = -600;
+constexpr int kFaderHighest = 60;
+constexpr int kFaderLowestAudible = -589;
+
+constexpr int kStripWidth = 78;
+constexpr int kCapWidth = 36;
+constexpr int kCapHeight = 62;
+constexpr int kNameFontPixels = 11;
+constexpr int kDbFontPixels = 10;
+constexpr char kNameColour[] = "#f0f0f0";
+constexpr char kDbColour[] = "#999999";
+constexpr char kGrooveBorder[] = "#444";
+
+constexpr char kNameStyle[] = "font-size: %1px; font-weight: bold; color: %2;";
+constexpr char kDbStyle[] = "font-size: %1px; color: %2;";
+
+// The standard handle is as large as the cap and invisible: the slider itself draws the picture over it.
+constexpr char kFaderStyle[]
+    = "QSlider {    background: transparent;    padding: 0px;    margin: 0px;}QSlider::groove:vertical {    background: "
+      "qlineargradient(x1:0, y1:0, x2:1, y2:0,         stop:0 #0a0a0a, stop:0.45 #222, stop:0.5 #333, stop:0.55 #222, "
+      "stop:1 #0a0a0a);    width: 6px;    border-radius: 3px;    border: 1px solid %1;    margin: %2px 0px;}"
+      "QSlider::handle:vertical {    width: %3px;    height: %4px;    margin: -%5px -%6px;    background: transparent;    "
+      "border: none;}";
+
+constexpr char kButtonStyle[]
+    = "QPushButton {  background-color: #3a3a3a;  color: #ccc;  border: 1px solid #555;  border-radius: 3px;  "
+      "font-size: 10px;  font-weight: bold;}QPushButton:checked {  background-color: #c0392b;  color: #fff;  border: 1px "
+      "solid #e74c3c;}QPushButton:hover { border: 1px solid #888; }";
+
+QString faderStyle()
+{
+    return QString::fromLatin1(kFaderStyle)
+        .arg(QLatin1String(kGrooveBorder), QString::number(30), QString::number(kCapWidth), QString::number(kCapHeight),
+            QString::number(30), QString::number(15));
+}
+
+QString numbered(const char* name, int track) { return QLatin1String(name) + QString::number(track); }
+
+QString labelStyle(const char* style, int pixels, const char* colour)
+{
+    return QString::fromLatin1(style).arg(QString::number(pixels), QLatin1String(colour));
+}
+
+QLabel* makeNameLabel(int track, const QString& name, QWidget* strip)
+{
+    auto* label = new QLabel(strip);
+    label->setObjectName(numbered("nameLabel", track));
+    // A name that looks like markup is still a name.
+    label->setTextFormat(Qt::PlainText);
+    label->setText(name);
+    label->setAlignment(Qt::AlignCenter);
+    label->setWordWrap(true);
+    label->setToolTip(name);
+    label->setStyleSheet(labelStyle(kNameStyle, kNameFontPixels, kNameColour));
+    return label;
+}
+
+MeterWidget* makeMeter(int track, const QString& name, QWidget* strip)
+{
+    auto* meter = new MeterWidget(strip);
+    meter->setObjectName(numbered("meter", track));
+    meter->setAccessibleName(QStringLiteral("Meter %1").arg(name));
+    meter->setFixedHeight(12);
+    // A strip is narrower than a meter that stands alone, and would cut off its clip indicator.
+    meter->setMinimumWidth(0);
+    meter->setArmed(true);
+    return meter;
+}
+
+FaderSlider* makeFader(int track, const QString& name, QWidget* strip)
+{
+    auto* fader = new FaderSlider(Qt::Vertical, strip);
+    fader->setObjectName(numbered("fader", track));
+    fader->setAccessibleName(QStringLiteral("Fader %1").arg(name));
+    fader->setRange(kFaderLowest, kFaderHighest);
+    fader->setValue(0);
+    fader->setHandleDrawSize(kCapWidth, kCapHeight);
+    fader->setMinimumHeight(180);
+    // The style asks for the width of a groove only, which would cut the cap off at both sides.
+    fader->setMinimumWidth(kCapWidth);
+    fader->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
+    fader->setStyleSheet(faderStyle());
+    return fader;
+}
+
+QLabel* makeDbLabel(int track, QWidget* strip)
+{
+    auto* label = new QLabel(QStringLiteral("0.0 dB"), strip);
+    label->setObjectName(numbered("dbLabel", track));
+    label->setAlignment(Qt::AlignCenter);
+    label->setStyleSheet(labelStyle(kDbStyle, kDbFontPixels, kDbColour));
+    return label;
+}
+
+QPushButton* makeToggle(const QString& letter, const QString& objectName, const QString& spokenName, QWidget* strip)
+{
+    auto* button = new QPushButton(letter, strip);
+    button->setObjectName(objectName);
+    button->setAccessibleName(spokenName);
+    button->setCheckable(true);
+    button->setFixedSize(28, 22);
+    button->setStyleSheet(QString::fromLatin1(kButtonStyle));
+    return button;
+}
+
+} // namespace
+
+FilePlaybackMixerDialog::ChannelStrip FilePlaybackMixerDialog::makeStrip(
+    int track, const QString& name, QWidget* parent)
+{
+    ChannelStrip strip;
+    strip.stripWidget = new QWidget(parent);
+    strip.stripWidget->setObjectName(numbered("strip", track));
+    strip.stripWidget->setFixedWidth(kStripWidth);
+    auto* column = new QVBoxLayout(strip.stripWidget);
+    column->setContentsMargins(2, 2, 2, 2);
+    column->setSpacing(4);
+
+    strip.nameLabel = makeNameLabel(track, name, strip.stripWidget);
+    strip.meter = makeMeter(track, name, strip.stripWidget);
+    strip.fader = makeFader(track, name, strip.stripWidget);
+    strip.dbLabel = makeDbLabel(track, strip.stripWidget);
+    column->addWidget(strip.nameLabel);
+    column->addWidget(strip.meter);
+    column->addWidget(strip.fader, 1, Qt::AlignHCenter);
+    column->addWidget(strip.dbLabel);
+    column->addLayout(makeButtonRow(strip, track, name));
+    return strip;
+}
+
+QLayout* FilePlaybackMixerDialog::makeButtonRow(ChannelStrip& strip, int track, const QString& name)
+{
+    strip.muteButton = makeToggle(
+        QStringLiteral("M"), numbered("muteButton", track), QStringLiteral("Mute %1").arg(name), strip.stripWidget);
+    strip.soloButton = makeToggle(
+        QStringLiteral("S"), numbered("soloButton", track), QStringLiteral("Solo %1").arg(name), strip.stripWidget);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(4);
+    row->addStretch();
+    row->addWidget(strip.muteButton);
+    row->addWidget(strip.soloButton);
+    row->addStretch();
+    return row;
+}
+
+void FilePlaybackMixerDialog::connectStrip(int track)
+{
+    const ChannelStrip& strip = strips[static_cast<size_t>(track)];
+    connect(strip.fader, &QSlider::valueChanged, this, [this, track](int value) { applyFader(track, value); });
+    connect(strip.muteButton, &QPushButton::toggled, this, [this, track](bool on) {
+        if (player)
+            player->setTrackMuted(track, on);
+    });
+    connect(strip.soloButton, &QPushButton::toggled, this, [this, track](bool on) {
+        if (player)
+            player->setTrackSolo(track, on);
+    });
+}
+
+void FilePlaybackMixerDialog::applyFader(int track, int sliderValue)
+{
+    if (track < 0 || static_cast<size_t>(track) >= strips.size())
+        return;
+    strips[static_cast<size_t>(track)].dbLabel->setText(sliderToDbText(sliderValue));
+    if (player)
+        player->setTrackGain(track, sliderToLinear(sliderValue));
+}
+
+QString FilePlaybackMixerDialog::sliderToDbText(int sliderValue)
+{
+    if (sliderValue < kFaderLowestAudible)
+        return QStringLiteral(u"-\u221e dB");
+    return QStringLiteral("%1 dB").arg(QString::number(sliderValue / 10.0, 'f', 1));
+}
+
+float FilePlaybackMixerDialog::sliderToLinear(int sliderValue)
+{
+    if (sliderValue < kFaderLowestAudible)
+        return 0.0f;
+    return std::pow(10.0f, static_cast<float>(sliderValue) / 10.0f / 20.0f);
+}

@@ -1,0 +1,146 @@
+#include "mixer/WaveformWidget.h"
+
+#include "audio/WavFileReader.h"
+#include "mixer/WaveformGeometry.h"
+
+#include <QFileInfo>
+#include <QLinearGradient>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int kReadFrames = 8192;
+constexpr double kSmallestMove = 0.001;
+
+/// Frames that the reader can still deliver at most. The header may claim far more than the file holds.
+size_t framesToExpect(const WavFileReader& reader, const std::string& path)
+{
+    const qint64 fileBytes = QFileInfo(QString::fromStdString(path)).size();
+    const qint64 frameBytes = qint64 {reader.getChannels()} * (reader.getBitsPerSample() / 8);
+    return static_cast<size_t>(std::min<qint64>(reader.getTotalFrames(), fileBytes / frameBytes));
+}
+
+/// The first channel, to the end of what is there. The reader decodes no more than that channel.
+std::vector<float> readFirstChannel(WavFileReader& reader, size_t expected)
+{
+    std::vector<float> samples;
+    samples.reserve(expected);
+    std::vector<float> block(kReadFrames);
+    while (!reader.isAtEnd()) {
+        const int32_t got = reader.readFrames(block.data(), kReadFrames, 1);
+        if (got < 1)
+            break;
+        samples.insert(samples.end(), block.begin(), block.begin() + got);
+    }
+    return samples;
+}
+
+} // namespace
+
+WaveformWidget::WaveformWidget(QWidget* parent)
+    : QWidget(parent)
+{
+    setMinimumHeight(80);
+    setMaximumHeight(120);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setCursor(Qt::PointingHandCursor);
+}
+
+bool WaveformWidget::loadFile(const std::string& path)
+{
+    clear();
+    WavFileReader reader;
+    if (!reader.open(path))
+        return false;
+    sampleRate = reader.getSampleRate();
+    totalFrames = reader.getTotalFrames();
+    duration = reader.getDuration();
+    if (totalFrames < 1 || reader.getChannels() < 1)
+        return false;
+
+    const std::vector<float> samples = readFirstChannel(reader, framesToExpect(reader, path));
+    reader.close();
+    generatePeaks(samples, static_cast<int>(kMostWaveformBars));
+    update();
+    return true;
+}
+
+void WaveformWidget::clear()
+{
+    peaks.clear();
+    playbackPosition = 0.0;
+    duration = 0.0;
+    totalFrames = 0;
+    update();
+}
+
+void WaveformWidget::generatePeaks(const std::vector<float>& samples, int) { peaks = waveformPeaks(samples); }
+
+void WaveformWidget::setPlaybackPosition(double position)
+{
+    const double clamped = std::clamp(position, 0.0, 1.0);
+    if (!(std::fabs(clamped - playbackPosition) > kSmallestMove))
+        return;
+    playbackPosition = clamped;
+    update();
+}
+
+void WaveformWidget::mousePressEvent(QMouseEvent* event)
+{
+    if (peaks.empty() || !(duration > 0.0) || event->button() != Qt::LeftButton)
+        return;
+    emit seekRequested(WaveformGeometry {width(), height(), peaks.size()}.ratioAt(event->position().x()));
+}
+
+void WaveformWidget::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillRect(rect(), QColor(26, 26, 26));
+    if (peaks.empty()) {
+        painter.setPen(QColor(80, 80, 80));
+        painter.drawText(rect(), Qt::AlignCenter, QStringLiteral("Select a file to view waveform"));
+        return;
+    }
+    paintBars(painter);
+    paintLines(painter);
+}
+
+void WaveformWidget::paintBars(QPainter& painter) const
+{
+    QLinearGradient colours(0, 0, 0, height());
+    colours.setColorAt(0.0, QColor(0, 180, 220));
+    colours.setColorAt(0.5, QColor(0, 220, 180));
+    colours.setColorAt(1.0, QColor(0, 180, 220));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colours);
+
+    const WaveformGeometry geometry {width(), height(), peaks.size()};
+    QList<QRectF> bars;
+    bars.reserve(static_cast<qsizetype>(peaks.size()));
+    for (size_t i = 0; i < peaks.size(); ++i)
+        bars.append(geometry.barRect(i, peaks[i]));
+    painter.drawRects(bars);
+}
+
+void WaveformWidget::paintLines(QPainter& painter) const
+{
+    const WaveformGeometry geometry {width(), height(), peaks.size()};
+    const QPen grey(QColor(60, 60, 60), 1);
+    painter.setPen(grey);
+    painter.drawLine(0, geometry.middle(), width(), geometry.middle());
+    if (playbackPosition > 0.0) {
+        const int x = geometry.playheadX(playbackPosition);
+        painter.setPen(QPen(QColor(0, 255, 100), 2));
+        painter.drawLine(x, 0, x, height());
+    }
+    painter.setPen(grey);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(0, 0, width() - 1, height() - 1);
+}
+
+void WaveformWidget::resizeEvent(QResizeEvent*) { update(); }
