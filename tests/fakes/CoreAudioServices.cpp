@@ -17,11 +17,12 @@ OSStatus answer(const std::string& line)
     return found == state.statuses.end() ? 0 : found->second;
 }
 
+uintptr_t lastHandle = 0x1000;
+
 template <typename Handle> Handle make()
 {
-    static uintptr_t next = 0x1000;
-    next += 16;
-    void* handle = reinterpret_cast<void*>(next);
+    lastHandle += 16; // One count for all kinds, so that no two are alike.
+    void* handle = reinterpret_cast<void*>(lastHandle);
     state.alive.insert(handle);
     return static_cast<Handle>(handle);
 }
