@@ -1,0 +1,240 @@
+// The mixer thread's work, pass by pass and without sleeping.
+
+#include "audio/PlayerState.h"
+#include "tests/audio/PlayerTestSupport.h"
+
+#include <cmath>
+#include <memory>
+
+namespace {
+
+using std::chrono::milliseconds;
+
+class MixerPassTest : public testing::Test {
+protected:
+    // A state as `open` leaves it, but without an output and without the mixer thread; playing.
+    void open(const std::string& path, double deviceRate = 48000.0)
+    {
+        ASSERT_TRUE(state->reader.open(path));
+        state->channels = state->reader.getChannels();
+        state->sampleRate = state->reader.getSampleRate();
+        state->deviceRate = deviceRate;
+        ASSERT_TRUE(state->converter.setup(state->sampleRate, deviceRate));
+        mixer.reset(state->channels);
+        blocks = std::make_unique<MixerBlocks>(state->channels);
+        state->reader.startPrefetch(state->channels);
+        state->playing = true;
+    }
+
+    void openMono(size_t frames, double deviceRate = 48000.0)
+    {
+        open(makeFloatFile(folder, "mono.wav", 48000, 1, numberedSamples(frames)), deviceRate);
+    }
+
+    milliseconds pass() { return mixerPass(*state, mixer, *blocks); }
+
+    // Passes until a block was taken; the prefetch thread needs a moment first.
+    void takeBlock()
+    {
+        ASSERT_TRUE(comesTrue([&] { return pass() == milliseconds(0); }));
+    }
+
+    // As the device would, so that there is room again.
+    void drain() { state->stereoRead = state->stereoWrite.load(); }
+
+    TempFolder folder;
+    std::unique_ptr<PlayerState> state = std::make_unique<PlayerState>();
+    PlaybackMixer mixer{ 0 };
+    std::unique_ptr<MixerBlocks> blocks;
+};
+
+} // namespace
+
+TEST_F(MixerPassTest, nothingIsTakenWhileTheTransportRests)
+{
+    openMono(1000);
+    takeBlock();
+    const int64_t position = state->reader.getPosition();
+    state->paused = true;
+    EXPECT_EQ(pass(), milliseconds(8));
+    state->paused = false;
+    state->playing = false;
+    EXPECT_EQ(pass(), milliseconds(8));
+    EXPECT_EQ(state->reader.getPosition(), position);
+}
+
+TEST_F(MixerPassTest, aPassTakes256FramesAtMost)
+{
+    openMono(10000);
+    takeBlock();
+    EXPECT_EQ(state->stereoWrite, 256U);
+    EXPECT_TRUE(state->audioStarted);
+}
+
+TEST_F(MixerPassTest, theRingIsFilledToEightyMilliseconds)
+{
+    openMono(20000);
+    ASSERT_TRUE(comesTrue([&] { return pass() == milliseconds(2); }));
+    EXPECT_EQ(state->queuedFrames(), 3840U);
+    EXPECT_EQ(state->reader.getPosition(), 3840);
+    state->stereoRead = 100;
+    EXPECT_EQ(pass(), milliseconds(0));
+    EXPECT_EQ(state->queuedFrames(), 3840U) << "only what is missing is taken";
+}
+
+TEST_F(MixerPassTest, theTargetIsCutToWholeFrames)
+{
+    openMono(20000, 48000.0);
+    state->deviceRate = 44106.0; // 3528.48 frames.
+    ASSERT_TRUE(comesTrue([&] { return pass() == milliseconds(2); }));
+    EXPECT_EQ(state->queuedFrames(), 3528U);
+}
+
+TEST_F(MixerPassTest, theTargetIsAtLeast64Frames)
+{
+    openMono(20000);
+    state->deviceRate = 100.0;
+    ASSERT_TRUE(comesTrue([&] { return pass() == milliseconds(2); }));
+    EXPECT_EQ(state->queuedFrames(), 64U);
+}
+
+TEST_F(MixerPassTest, anAbsurdDeviceRateFillsTheRingUpToLessThan64FramesOfRoom)
+{
+    openMono(40000);
+    state->deviceRate = 1e300;
+    ASSERT_TRUE(comesTrue([&] { return pass() == milliseconds(2); }));
+    EXPECT_EQ(state->queuedFrames(), 8191U) << "31 blocks of 256 and one of 255";
+}
+
+TEST_F(MixerPassTest, lessThan64FramesOfRoomAreLeftAlone)
+{
+    openMono(40000);
+    state->deviceRate = 192000.0; // Wants more than the ring holds.
+    takeBlock();
+    const int64_t position = state->reader.getPosition();
+    state->stereoWrite = 8191 - 63;
+    state->stereoRead = 0;
+    EXPECT_EQ(pass(), milliseconds(2));
+    EXPECT_EQ(state->reader.getPosition(), position);
+    state->stereoRead = 1;
+    EXPECT_EQ(pass(), milliseconds(0));
+    EXPECT_EQ(state->reader.getPosition(), position + 64);
+}
+
+TEST_F(MixerPassTest, theCountOfDeviceFramesIsTakenAsFileFramesWithoutScaling)
+{
+    open(makeFloatFile(folder, "fast.wav", 96000, 1, numberedSamples(20000)), 48000.0);
+    takeBlock();
+    EXPECT_EQ(state->reader.getPosition(), 256);
+    EXPECT_LE(state->stereoWrite, 128U);
+}
+
+TEST_F(MixerPassTest, withoutDataThePassRestsFourMilliseconds)
+{
+    openMono(0);
+    EXPECT_EQ(pass(), milliseconds(4));
+    EXPECT_TRUE(state->playing) << "no block was taken since the start";
+    EXPECT_FALSE(state->finished);
+}
+
+TEST_F(MixerPassTest, theEndIsNoticedOnlyWhenTheRingHasRunEmpty)
+{
+    openMono(300);
+    takeBlock();
+    ASSERT_TRUE(comesTrue([&] {
+        pass();
+        return state->stereoWrite == 300U;
+    }));
+    EXPECT_EQ(pass(), milliseconds(4));
+    EXPECT_FALSE(state->finished);
+    EXPECT_TRUE(state->playing);
+    drain();
+    EXPECT_EQ(pass(), milliseconds(4));
+    EXPECT_TRUE(state->finished);
+    EXPECT_FALSE(state->playing);
+    EXPECT_EQ(pass(), milliseconds(8));
+}
+
+TEST_F(MixerPassTest, theEndIsNotNoticedBeforeABlockSinceTheStart)
+{
+    openMono(300);
+    takeBlock();
+    ASSERT_TRUE(comesTrue([&] {
+        pass();
+        return state->stereoWrite == 300U;
+    }));
+    drain();
+    state->audioStarted = false;
+    pass();
+    EXPECT_FALSE(state->finished);
+    EXPECT_TRUE(state->playing);
+}
+
+TEST_F(MixerPassTest, aPendingSeekBeforeTheEndKeepsTheTransportRunning)
+{
+    openMono(300);
+    takeBlock();
+    ASSERT_TRUE(comesTrue([&] {
+        pass();
+        return state->stereoWrite == 300U;
+    }));
+    drain();
+    state->reader.setPosition(0);
+    pass();
+    EXPECT_FALSE(state->finished);
+    EXPECT_TRUE(state->playing);
+}
+
+TEST_F(MixerPassTest, peaksFallByEightPercentWithEachBlock)
+{
+    std::vector<float> samples(256, 0.5F);
+    samples.resize(1024, 0.0F);
+    open(makeFloatFile(folder, "burst.wav", 48000, 1, samples));
+    takeBlock();
+    EXPECT_EQ(state->peaks[0], 0.5F);
+    takeBlock();
+    EXPECT_EQ(state->peaks[0], 0.92F * 0.5F);
+    takeBlock();
+    EXPECT_EQ(state->peaks[0], 0.92F * (0.92F * 0.5F));
+}
+
+TEST_F(MixerPassTest, aLouderBlockRaisesThePeakAtOnce)
+{
+    std::vector<float> samples(256, 0.25F);
+    samples.resize(512, 0.75F);
+    open(makeFloatFile(folder, "rise.wav", 48000, 1, samples));
+    takeBlock();
+    takeBlock();
+    EXPECT_EQ(state->peaks[0], 0.75F);
+}
+
+TEST_F(MixerPassTest, convertedBlocksAreWrittenWithoutALookAtTheRoom)
+{
+    openMono(60000, 192000.0);
+    ASSERT_TRUE(comesTrue([&] { return pass() == milliseconds(0) && state->stereoWrite > 1000U; }));
+    state->stereoRead = state->stereoWrite - (8191U - 64U); // Room for 64 frames.
+    const uint32_t before = state->stereoWrite;
+    EXPECT_EQ(pass(), milliseconds(0));
+    EXPECT_GT(state->stereoWrite - before, 64U) << "64 file frames become about 256";
+}
+
+TEST_F(MixerPassTest, aBlockThatASeekHasOvertakenIsDropped)
+{
+    const std::vector<float> stereo(20, 0.5F);
+    state->stereoWrite = 500;
+    state->publishFrames(400, stereo.data(), 10);
+    EXPECT_EQ(state->stereoWrite, 500U);
+    state->publishFrames(500, stereo.data(), 10);
+    EXPECT_EQ(state->stereoWrite, 510U);
+}
+
+TEST_F(MixerPassTest, blocksHoldAtLeastOneTrack)
+{
+    const MixerBlocks none(0);
+    EXPECT_EQ(none.input.size(), 256U);
+    EXPECT_EQ(none.peaks.size(), 1U);
+    const MixerBlocks many(64);
+    EXPECT_EQ(many.input.size(), 256U * 64U);
+    EXPECT_EQ(many.stereo.size(), 512U);
+    EXPECT_EQ(many.converted.size(), 2048U);
+}
