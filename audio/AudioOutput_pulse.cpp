@@ -10,9 +10,11 @@
 #include <atomic>
 #include <memory>
 
+#include <fcntl.h>
 #include <pthread.h>
 #include <pulse/pulseaudio.h>
 #include <sched.h>
+#include <unistd.h>
 
 namespace {
 
@@ -92,6 +94,35 @@ void onDeadline(pa_mainloop_api* /*api*/, pa_time_event* /*event*/, const timeva
     static_cast<Connection*>(connection)->giveUp();
 }
 
+// While connecting, libpulse complains on the error output about whatever it finds wrong in the user's set-up (a
+// runtime folder of somebody else, a damaged client.conf), and offers no way to have it silent. Nothing else uses that
+// output.
+class SilentErrors {
+public:
+    SilentErrors() : saved(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1))
+    {
+        if (saved < 0)
+            return; // There is no error output.
+        const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+        if (nowhere < 0)
+            return;
+        dup2(nowhere, STDERR_FILENO);
+        close(nowhere);
+    }
+    ~SilentErrors()
+    {
+        if (saved < 0)
+            return;
+        dup2(saved, STDERR_FILENO);
+        close(saved);
+    }
+    SilentErrors(const SilentErrors&) = delete;
+    SilentErrors& operator=(const SilentErrors&) = delete;
+
+private:
+    int saved;
+};
+
 Connection::~Connection()
 {
     if (!loop)
@@ -113,6 +144,7 @@ bool Connection::connect()
     if (!loop || pa_threaded_mainloop_start(loop) < 0)
         return false;
     running = true;
+    const SilentErrors silence;
     const Lock lock(*this);
     context = pa_context_new(pa_threaded_mainloop_get_api(loop), "Tagwell");
     if (!context)

@@ -16,6 +16,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <numbers>
 
 namespace {
@@ -252,6 +253,32 @@ TEST_F(PulseOutputTest, withoutAnySoundSetUpOpenIsFalseAndNothingIsPrinted)
     const bool opened = player.open(path);
     EXPECT_EQ(watch.printed(), "");
     EXPECT_FALSE(opened);
+}
+
+TEST_F(PulseOutputTest, aDamagedSoundSetUpIsNotCommentedOn)
+{
+    std::filesystem::create_directories(folder.path() / ".config/pulse");
+    writeBytes(folder.file(".config/pulse/client.conf"), "nonsense\n");
+    const std::string path = makeFloatFile(folder, "one.wav", 48000, 1, { 0.5F });
+    unsetenv("PULSE_SERVER");
+    unsetenv("XDG_RUNTIME_DIR");
+    for (const std::string& home : { folder.path().string(), path, std::string("relative") }) {
+        setenv("HOME", home.c_str(), 1);
+        PrintWatch watch(folder);
+        const bool opened = player.open(path);
+        EXPECT_EQ(watch.printed(), "") << home;
+        EXPECT_FALSE(opened);
+    }
+}
+
+TEST_F(PulseOutputTest, theErrorOutputIsBackAfterOpen)
+{
+    setenv("HOME", folder.path().c_str(), 1);
+    setenv("PULSE_SERVER", "unix:/nonexistent", 1);
+    PrintWatch watch(folder);
+    EXPECT_EQ(AudioOutput::defaultOutputDevice(), 0U);
+    std::fputs("heard", stderr);
+    EXPECT_EQ(watch.printed(), "heard");
 }
 
 TEST_F(PulseOutputTest, aServerThatNeverAnswersMakesOpenFalse)
