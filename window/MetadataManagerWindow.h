@@ -141,6 +141,8 @@ private:
     void showSeveralRows(qsizetype count);
     void showTracks(const std::vector<BwfTrack>& tracks);
 
+    /// Opens the mixer on the file of `row`, which is in range. No other one is open.
+    void openPlaybackOverlay(int row);
     /// Closes the open mixer dialog if it plays the file of one of `rows`.
     void closePlaybackOverlayOfRows(const QList<int>& rows);
 

@@ -1,11 +1,126 @@
 #include "window/MetadataManagerWindow.h"
 
-void MetadataManagerWindow::attachPlayButton(int) { }
+#include "app/Theme.h"
+#include "mixer/FilePlaybackMixerDialog.h"
+#include "window/FileTableColumns.h"
+#include "window/TrackNames.h"
 
-void MetadataManagerWindow::onPlayFile(int) { }
+#include <QCoreApplication>
+#include <QEvent>
+#include <QIcon>
+#include <QPainter>
+#include <QPixmap>
+#include <QPointer>
+#include <QTableWidget>
+#include <QToolButton>
 
-QList<QString> MetadataManagerWindow::trackNamesForRow(int) const { return {}; }
+#include <algorithm>
+#include <array>
 
-void MetadataManagerWindow::closePlaybackOverlay() { }
+namespace {
 
-void MetadataManagerWindow::closePlaybackOverlayOfRows(const QList<int>&) { }
+constexpr int kIconSize = 18;
+constexpr QSize kPlayButtonSize(28, 24);
+constexpr char kPlayColour[] = "#1a7f37";
+constexpr std::array kTriangle {QPoint(5, 3), QPoint(5, 15), QPoint(15, 9)};
+
+QIcon playIcon()
+{
+    QPixmap pixmap(kIconSize, kIconSize);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(QLatin1String(kPlayColour)));
+    painter.drawPolygon(kTriangle.data(), static_cast<int>(kTriangle.size()));
+    painter.end();
+    return QIcon(pixmap);
+}
+
+QToolButton* makePlayButton(QWidget* parent)
+{
+    auto* button = new QToolButton(parent);
+    button->setObjectName(QStringLiteral("playButton"));
+    button->setIcon(playIcon());
+    button->setIconSize(QSize(kIconSize, kIconSize));
+    button->setText(QString());
+    button->setToolTip(QStringLiteral("Play this file with a track mixer"));
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setCursor(Qt::PointingHandCursor);
+    button->setAccessibleName(QStringLiteral("Play"));
+    button->setFixedSize(kPlayButtonSize);
+    button->setStyleSheet(Theme::playButtonStyleSheet());
+    return button;
+}
+
+} // namespace
+
+void MetadataManagerWindow::attachPlayButton(int row)
+{
+    QToolButton* const button = makePlayButton(fileTable);
+    // The button is looked up at each click, since its row number changes when rows above it go.
+    connect(button, &QToolButton::clicked, this, [this, button] {
+        for (int each = 0; each < fileTable->rowCount(); ++each) {
+            if (fileTable->cellWidget(each, indexOf(FileColumn::Play)) == button) {
+                onPlayFile(each);
+                return;
+            }
+        }
+    });
+    fileTable->setCellWidget(row, indexOf(FileColumn::Play), button);
+}
+
+void MetadataManagerWindow::onPlayFile(int row)
+{
+    if (row < 0 || row >= filePaths.size() || !hasRecord(row))
+        return;
+    const QString path = filePaths.at(row);
+    if (!playbackOverlay || playbackOverlay->filePath != path) {
+        // Only one file plays at a time.
+        closePlaybackOverlay();
+        openPlaybackOverlay(row);
+    }
+    playbackOverlay->show();
+    playbackOverlay->raise();
+    playbackOverlay->activateWindow();
+}
+
+void MetadataManagerWindow::openPlaybackOverlay(int row)
+{
+    // By value: the dialog may wait in a warning box, and files may be opened meanwhile.
+    const BwfMetadata record = records.at(row);
+    auto* const dialog = new FilePlaybackMixerDialog(filePaths.at(row), trackNamesForRow(row), record, this);
+    playbackOverlay = dialog;
+    connect(dialog, &QObject::destroyed, this, [this, dialog] {
+        // An old dialog may go when a new one stands already.
+        if (playbackOverlay == dialog)
+            playbackOverlay = nullptr;
+    });
+}
+
+QList<QString> MetadataManagerWindow::trackNamesForRow(int row) const
+{
+    return hasRecord(row) ? mixerTrackNames(records.at(row)) : QList<QString>();
+}
+
+void MetadataManagerWindow::closePlaybackOverlay()
+{
+    if (!playbackOverlay)
+        return;
+    const QPointer<FilePlaybackMixerDialog> dialog = playbackOverlay;
+    playbackOverlay = nullptr;
+    dialog->close();
+    // It would delete itself with the next turn of the event loop only, and sound on while the next file is read.
+    if (dialog)
+        QCoreApplication::sendPostedEvents(dialog, QEvent::DeferredDelete);
+}
+
+void MetadataManagerWindow::closePlaybackOverlayOfRows(const QList<int>& rows)
+{
+    if (!playbackOverlay)
+        return;
+    const auto plays = [this](int row) { return hasRecord(row) && filePaths.at(row) == playbackOverlay->filePath; };
+    if (std::any_of(rows.begin(), rows.end(), plays))
+        closePlaybackOverlay();
+}
