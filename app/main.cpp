@@ -6,7 +6,16 @@
 #include "app/WavArguments.h"
 #include "window/MetadataManagerWindow.h"
 
+#include <QIcon>
+
 namespace {
+
+// Qt speaks up about things in the session that aren't ours to mend, such as a runtime folder that isn't set. The
+// program has no console output of any kind.
+void keepQuiet()
+{
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+}
 
 void setIdentity()
 {
@@ -15,6 +24,8 @@ void setIdentity()
     QCoreApplication::setOrganizationName(QStringLiteral("Brindle Audio"));
     QCoreApplication::setOrganizationDomain(QStringLiteral("brindleaudio.com"));
     QGuiApplication::setQuitOnLastWindowClosed(true);
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.brindleaudio.tagwell"));
+    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/tagwell.png")));
 }
 
 void loadSettings()
@@ -41,6 +52,7 @@ void showWindow(MetadataManagerWindow& window)
 
 int main(int argc, char** argv)
 {
+    keepQuiet();
     TagwellApplication application(argc, argv);
     setIdentity();
     loadSettings();

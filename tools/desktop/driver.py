@@ -248,15 +248,19 @@ class Desktop:
         values = dict(word.split("=") for word in words)
         return int(values["X"]), int(values["Y"])
 
-    def drag(self, start, end, steps=12):
-        """Presses the left button at one point of the screen, moves in steps, releases at another."""
+    def drag(self, start, end, steps=12, rest=0.0):
+        """Presses the left button at one point of the screen, moves in steps, releases at another. `rest` is how many
+        seconds the hand rests before it presses, moves and lets go: two programs have to agree on a drag."""
         self.xdotool("mousemove", start[0], start[1])
+        time.sleep(rest)
         self.xdotool("mousedown", 1)
+        time.sleep(rest)
         for step in range(1, steps + 1):
             x = start[0] + (end[0] - start[0]) * step // steps
             y = start[1] + (end[1] - start[1]) * step // steps
             self.xdotool("mousemove", x, y)
-            time.sleep(0.02)
+            time.sleep(0.03)
+        time.sleep(rest)
         self.xdotool("mouseup", 1)
 
     def key(self, *keys):

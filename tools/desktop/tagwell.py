@@ -16,8 +16,7 @@ class Tagwell:
     def start(self, files):
         self.desktop.start([self.program, *files])
         self.desktop.find("frame", "Tagwell")
-        # Edges as the screen allows, at the corner, so that dialogs find their place.
-        wait_until(lambda: self.row_count() >= 0, "the list of files")
+        wait_until(lambda: self.row_count() == len(files), "a row for each file")
 
     def quit(self):
         self.desktop.click(self.desktop.find("frame", "Tagwell"), at=(0.5, 0.02))
@@ -71,7 +70,11 @@ class Tagwell:
         self.desktop.gone("dialog", "Set New TC Start")
 
     def timecode_button(self):
-        return self.desktop.find("push button", "Timecode:")
+        """The one button of its pane; its accessible name is the timecode that it shows."""
+        return self.desktop.find("push button", within=self.desktop.find("panel", "RECORDING INFO"))
+
+    def timecode(self):
+        return self.timecode_button().get_name()
 
     def save(self):
         """Saves and returns the text of the box that follows."""
@@ -91,12 +94,14 @@ class Tagwell:
     def drop_from(self, drag_source, paths):
         """Drags the paths out of another program's window and drops them on the list."""
         desktop = self.desktop
+        rows = self.row_count()
         source = subprocess.Popen([drag_source, *paths], env=desktop.environment)
         try:
             window = wait_until(lambda: self._window_of(source.pid), "the drag source's window")
             desktop.xdotool("windowmove", "--sync", window, desktop.size[0] - 180, desktop.size[1] - 120)
             start = (desktop.size[0] - 110, desktop.size[1] - 90)
-            desktop.drag(start, desktop.point(self.table(), (0.5, 0.8)), steps=30)
+            desktop.drag(start, desktop.point(self.table(), (0.5, 0.8)), steps=30, rest=0.5)
+            wait_until(lambda: self.row_count() > rows, "the dropped files' rows")
         finally:
             source.terminate()
             source.wait()
