@@ -141,6 +141,17 @@ private:
     void showSeveralRows(qsizetype count);
     void showTracks(const std::vector<BwfTrack>& tracks);
 
+    /// What the editors want written, into the one selected file or into each of several. A text that is left empty
+    /// keeps what the file has; the two flags know no such state and always go along.
+    BwfMetadata updateRecord(bool forOneFile) const;
+    /// Writes `update` into the row's file, with a warning if that fails. The row is in range.
+    void writeRow(int row, const BwfMetadata& update);
+    /// Replaces the row's record by what its file says now, and refreshes the cells that can have changed. The row is
+    /// in range. Throws std::filesystem::filesystem_error if the file is gone.
+    void readBackRow(int row);
+    /// Keeps a typed start timecode until the save. `rate` is samples per second, 0 if unknown.
+    void takeTypedTimecode(const QString& text, uint32_t rate, double frameRate);
+
     /// Opens the mixer on the file of `row`, which is in range. No other one is open.
     void openPlaybackOverlay(int row);
     /// Closes the open mixer dialog if it plays the file of one of `rows`.

@@ -16,7 +16,10 @@
 
 namespace {
 
-QString orMark(const QString& text) { return text.isEmpty() ? noValueMark() : text; }
+QString orMark(const QString& text)
+{
+    return text.isEmpty() ? noValueMark() : text;
+}
 
 /// A cell of the track table that shows a fact of the file.
 QTableWidgetItem* fixedItem(const QString& text)
@@ -24,6 +27,14 @@ QTableWidgetItem* fixedItem(const QString& text)
     auto* item = new QTableWidgetItem(text);
     item->setFlags(item->flags() & ~Qt::ItemIsEditable);
     return item;
+}
+
+/// Fills a text edit as QLineEdit::setText fills a line edit. QTextEdit reports even an equal text as a change, which
+/// would count as a touch of the editors.
+void fill(QTextEdit* edit, const QString& text)
+{
+    if (edit->toPlainText() != text)
+        edit->setPlainText(text);
 }
 
 } // namespace
@@ -90,7 +101,7 @@ void MetadataManagerWindow::showNoRow()
     timecodeButton->setText(noValueMark());
     for (QLineEdit* edit : { sceneEdit, takeEdit, projectEdit, tapeIdEdit })
         edit->clear();
-    notesEdit->clear();
+    fill(notesEdit, {});
     circledCheck->setChecked(false);
     wildTrackCheck->setChecked(false);
 }
@@ -106,7 +117,7 @@ void MetadataManagerWindow::showOneRow(const BwfMetadata& record)
     wildTrackCheck->setChecked(record.wildTrack);
     projectEdit->setText(textFromUtf8(record.project));
     tapeIdEdit->setText(textFromUtf8(record.tape));
-    notesEdit->setPlainText(textFromUtf8(record.note));
+    fill(notesEdit, textFromUtf8(record.note));
 
     const uint32_t rate = timecodeRate(record);
     sampleRateLabel->setText(hertzText(record.sampleRate));
@@ -138,8 +149,7 @@ void MetadataManagerWindow::showSeveralRows(qsizetype count)
         getCommonValue(QStringLiteral("project"), [](const BwfMetadata& r) { return textFromUtf8(r.project); }));
     tapeIdEdit->setText(
         getCommonValue(QStringLiteral("tape"), [](const BwfMetadata& r) { return textFromUtf8(r.tape); }));
-    notesEdit->setPlainText(
-        getCommonValue(QStringLiteral("notes"), [](const BwfMetadata& r) { return textFromUtf8(r.note); }));
+    fill(notesEdit, getCommonValue(QStringLiteral("notes"), [](const BwfMetadata& r) { return textFromUtf8(r.note); }));
 
     sampleRateLabel->setText(
         getCommonValue(QStringLiteral("sampleRate"), [](const BwfMetadata& r) { return hertzText(r.sampleRate); }));

@@ -1,0 +1,591 @@
+#include "core/BwfMetadataReader.h"
+#include "tests/support/ChangedRanges.h"
+#include "tests/support/TempFolder.h"
+#include "tests/window/ModalHands.h"
+#include "tests/window/TakeFiles.h"
+#include "tests/window/WindowHands.h"
+
+#include <QCheckBox>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+namespace {
+
+/// What anybody but root is: somebody for whom a read-only file is one.
+class PlainUser {
+public:
+    PlainUser()
+    {
+        if (geteuid() == 0)
+            changed = seteuid(kNobody) == 0;
+    }
+    ~PlainUser() { EXPECT_TRUE(!changed || seteuid(0) == 0); }
+    PlainUser(const PlainUser&) = delete;
+    PlainUser& operator=(const PlainUser&) = delete;
+
+private:
+    static constexpr uid_t kNobody = 65534;
+    bool changed = false;
+};
+
+class SavingTest : public testing::Test {
+protected:
+    SavingTest() { setenv("HOME", home.path().c_str(), 1); }
+
+    /// Adds a recording to those that the window opens at the first look at it.
+    void have(const TakeFields& fields)
+    {
+        const std::string name = "take" + std::to_string(paths.size() + 1) + ".wav";
+        takeFile(fields).write(folder.file(name));
+        paths.append(QString::fromStdString(folder.file(name)));
+        takes.push_back(fields);
+    }
+
+    WindowHands& hands()
+    {
+        if (!open) {
+            for (const QString& path : paths)
+                proofs.emplace_back(path.toStdString());
+            open = std::make_unique<WindowHands>(paths);
+        }
+        return *open;
+    }
+
+    /// Presses the save button, and OK in all boxes that follow.
+    QList<SeenBox> save()
+    {
+        const ModalHands modal;
+        hands().click("saveButton");
+        EXPECT_EQ(modal.dialogs, 0);
+        return modal.boxes;
+    }
+
+    /// Saves and expects nothing but the closing box with its count.
+    void saveAll(int count)
+    {
+        const QList<SeenBox> boxes = save();
+        ASSERT_EQ(boxes.size(), 1);
+        expectSuccess(boxes[0], count);
+    }
+
+    static void expectSuccess(const SeenBox& box, int count)
+    {
+        EXPECT_EQ(box.icon, QMessageBox::Information);
+        EXPECT_EQ(box.title, "Success");
+        EXPECT_EQ(box.text, QString("Metadata saved to %1 file(s)").arg(count));
+        EXPECT_EQ(box.buttons, QStringList({ "OK" }));
+    }
+
+    static void expectFailure(const SeenBox& box, const QString& path)
+    {
+        EXPECT_EQ(box.icon, QMessageBox::Warning);
+        EXPECT_EQ(box.title, "Error");
+        EXPECT_EQ(box.text, "Failed to save metadata to:\n" + path);
+        EXPECT_EQ(box.buttons, QStringList({ "OK" }));
+    }
+
+    BwfMetadata inFile(int row) const { return BwfMetadataReader::readMetadata(paths[row].toStdString()); }
+    const FileProof& proof(int row) const { return proofs[static_cast<size_t>(row)]; }
+    std::string untouched(int row) const { return proof(row).untouched(); }
+
+    TempFolder home;
+    TempFolder folder;
+    QStringList paths;
+    std::vector<TakeFields> takes;
+    std::vector<FileProof> proofs;
+    std::unique_ptr<WindowHands> open;
+};
+
+TakeFields withScene(const std::string& scene)
+{
+    TakeFields fields;
+    fields.scene = scene;
+    return fields;
+}
+
+} // namespace
+
+// Several files.
+
+TEST_F(SavingTest, aFieldThatShowsTheMarkIsKeptInEachFile)
+{
+    have(withScene("12A"));
+    have(withScene("13"));
+    hands().select({ 0, 1 });
+    EXPECT_EQ(hands().text("sceneEdit"), "—");
+    hands().type("projectEdit", "Omega");
+    saveAll(2);
+    EXPECT_EQ(inFile(0).scene, "12A");
+    EXPECT_EQ(inFile(1).scene, "13");
+    for (int row : { 0, 1 }) {
+        const TakeFields& take = takes[static_cast<size_t>(row)];
+        EXPECT_EQ(inFile(row).project, "Omega");
+        // "Alpha" and "Omega" share their last letter only.
+        ByteRange project = elementRange(take, "PROJECT", "Alpha");
+        --project.end;
+        EXPECT_EQ(proof(row).changedWithin({ descriptionRange(take), project }), "");
+    }
+}
+
+TEST_F(SavingTest, aMixOfCircledFilesIsUncircledWhateverElseIsSaved)
+{
+    TakeFields circled;
+    circled.circled = "TRUE";
+    have(circled);
+    have({});
+    hands().select({ 0, 1 });
+    EXPECT_FALSE(hands().widget<QCheckBox>("circledCheck")->isChecked());
+    hands().type("notesEdit", "brief"); // As long as the old note: "FALSE" for "TRUE" does not fit.
+    saveAll(2);
+    EXPECT_TRUE(inFile(0).circled);
+    EXPECT_EQ(inFile(0).note, "first") << "the text of one file is written as a whole or not at all";
+    EXPECT_EQ(inFile(1).note, "brief");
+
+    hands().type("notesEdit", "once"); // Shorter by what "FALSE" takes more.
+    saveAll(2);
+    EXPECT_FALSE(inFile(0).circled);
+    EXPECT_FALSE(inFile(1).circled);
+    EXPECT_EQ(inFile(0).note, "once");
+    EXPECT_EQ(inFile(1).note, "once");
+    EXPECT_EQ(hands().cell(0, 10), "No");
+}
+
+TEST_F(SavingTest, aMixOfWildTracksLosesTheFlagEvenIfOnlyTheSceneChanges)
+{
+    TakeFields wild;
+    wild.wildTrack = "TRUE";
+    have(wild);
+    have({});
+    hands().select({ 0, 1 });
+    hands().type("sceneEdit", "12B");
+    saveAll(2);
+    for (int row : { 0, 1 }) {
+        EXPECT_FALSE(inFile(row).wildTrack);
+        EXPECT_EQ(inFile(row).scene, "12B");
+    }
+}
+
+TEST_F(SavingTest, aCheckedFlagGoesToAll)
+{
+    have({});
+    have({});
+    hands().select({ 0, 1 });
+    QTest::mouseClick(hands().widget<QCheckBox>("circledCheck"), Qt::LeftButton, {}, QPoint(8, 8));
+    ASSERT_TRUE(hands().widget<QCheckBox>("circledCheck")->isChecked());
+    saveAll(2);
+    for (int row : { 0, 1 }) {
+        EXPECT_TRUE(inFile(row).circled);
+        EXPECT_EQ(hands().cell(row, 10), "Yes");
+        EXPECT_EQ(proof(row).unchangedOutside({ ixmlRange({}) }), "");
+    }
+}
+
+TEST_F(SavingTest, anEmptiedFieldClearsNothingInSeveralFiles)
+{
+    have({});
+    have({});
+    hands().select({ 0, 1 });
+    EXPECT_EQ(hands().text("sceneEdit"), "12A");
+    hands().type("sceneEdit", "");
+    saveAll(2);
+    for (int row : { 0, 1 })
+        EXPECT_EQ(untouched(row), "");
+    EXPECT_EQ(hands().text("sceneEdit"), "12A");
+}
+
+TEST_F(SavingTest, theTakeOfSeveralFilesIsNeverWritten)
+{
+    have({});
+    have({});
+    hands().select({ 0, 1 });
+    hands().widget<QLineEdit>("takeEdit")->setText("99");
+    saveAll(2);
+    for (int row : { 0, 1 })
+        EXPECT_EQ(untouched(row), "");
+}
+
+TEST_F(SavingTest, theMarkWithAnythingElseIsWrittenAsItStands)
+{
+    have(withScene("12AB"));
+    have(withScene("13AB"));
+    hands().select({ 0, 1 });
+    hands().type("sceneEdit", "—1");
+    saveAll(2);
+    EXPECT_EQ(inFile(0).scene, "—1");
+    EXPECT_EQ(inFile(1).scene, "—1");
+}
+
+TEST_F(SavingTest, aMarkInAnyOfTheFourTextsKeepsWhatTheFilesHold)
+{
+    TakeFields first;
+    TakeFields second;
+    second.scene = "12B";
+    second.project = "Gamma";
+    second.tape = "R02";
+    second.note = "other";
+    have(first);
+    have(second);
+    hands().select({ 0, 1 });
+    hands().widget<QLineEdit>("takeEdit")->setText("5"); // Touches the editors and is not written.
+    saveAll(2);
+    for (int row : { 0, 1 })
+        EXPECT_EQ(untouched(row), "");
+}
+
+TEST_F(SavingTest, valuesThatAllFilesShareAreWrittenBackUnchanged)
+{
+    have({});
+    have({});
+    hands().select({ 0, 1 });
+    saveAll(2);
+    for (int row : { 0, 1 })
+        EXPECT_EQ(untouched(row), "");
+}
+
+// One file.
+
+TEST_F(SavingTest, aTypedTakeShowsInTheTableAndComesBackFromTheFile)
+{
+    have({});
+    have({});
+    hands().select({ 0 });
+    hands().type("takeEdit", "07");
+    saveAll(1);
+    EXPECT_EQ(hands().cell(0, 6), "07");
+    EXPECT_EQ(inFile(0).take, "07");
+    EXPECT_EQ(untouched(1), "");
+    hands().select({ 1 });
+    EXPECT_EQ(hands().text("takeEdit"), "01");
+    hands().select({ 0 });
+    EXPECT_EQ(hands().text("takeEdit"), "07");
+}
+
+TEST_F(SavingTest, everyTextOfOneFileIsWritten)
+{
+    have({});
+    hands().select({ 0 });
+    hands().type("sceneEdit", "12B");
+    hands().type("takeEdit", "02");
+    hands().type("projectEdit", "Gamma");
+    hands().type("tapeIdEdit", "R02");
+    hands().type("notesEdit", "other");
+    saveAll(1);
+    const BwfMetadata record = inFile(0);
+    EXPECT_EQ(record.scene, "12B");
+    EXPECT_EQ(record.take, "02");
+    EXPECT_EQ(record.project, "Gamma");
+    EXPECT_EQ(record.tape, "R02");
+    EXPECT_EQ(record.note, "other");
+    EXPECT_EQ(proof(0).changedWithin({ descriptionRange({}), elementRange({}, "PROJECT", "Alpha"),
+                  elementRange({}, "SCENE", "12A"), elementRange({}, "TAKE", "01"), elementRange({}, "TAPE", "R01"),
+                  elementRange({}, "NOTE", "first") }),
+        "");
+}
+
+TEST_F(SavingTest, theRefreshedCellsFollowTheFile)
+{
+    have({});
+    hands().select({ 0 });
+    hands().type("sceneEdit", "12B");
+    hands().type("takeEdit", "02");
+    hands().type("tapeIdEdit", "R02");
+    hands().type("notesEdit", "other");
+    saveAll(1);
+    EXPECT_EQ(hands().cell(0, 4), "R02");
+    EXPECT_EQ(hands().cell(0, 5), "12B");
+    EXPECT_EQ(hands().cell(0, 6), "02");
+    EXPECT_EQ(hands().cell(0, 13), "other");
+}
+
+TEST_F(SavingTest, theOtherCellsKeepTheirText)
+{
+    have({});
+    hands();
+    QStringList before;
+    for (int column : { 1, 2, 3, 8, 9, 11 }) {
+        before += "old " + QString::number(column);
+        hands().table()->item(0, column)->setText(before.last());
+    }
+    hands().select({ 0 });
+    hands().type("sceneEdit", "12B");
+    saveAll(1);
+    QStringList after;
+    for (int column : { 1, 2, 3, 8, 9, 11 })
+        after += hands().cell(0, column);
+    EXPECT_EQ(after, before);
+}
+
+TEST_F(SavingTest, aCellWithoutAnItemIsLeftOut)
+{
+    have({});
+    hands().select({ 0 });
+    hands().type("sceneEdit", "12B");
+    delete hands().table()->takeItem(0, 5);
+    saveAll(1);
+    EXPECT_EQ(hands().table()->item(0, 5), nullptr);
+    EXPECT_EQ(inFile(0).scene, "12B");
+}
+
+TEST_F(SavingTest, theCellsOfTimeAndRateAreReadAgainToo)
+{
+    have({});
+    hands().select({ 0 });
+    TakeFields moved;
+    moved.timeReference = 345600000;
+    moved.rate = "24/1";
+    takeFile(moved).write(paths[0].toStdString());
+    saveAll(1);
+    EXPECT_EQ(hands().cell(0, 7), "02:00:00:00");
+    EXPECT_EQ(hands().cell(0, 12), "24 fps");
+}
+
+TEST_F(SavingTest, anEmptiedFieldClearsNothingInOneFile)
+{
+    have({});
+    hands().select({ 0 });
+    for (const char* edit : { "sceneEdit", "takeEdit", "projectEdit", "tapeIdEdit", "notesEdit" })
+        hands().type(edit, "");
+    saveAll(1);
+    EXPECT_EQ(untouched(0), "");
+    EXPECT_EQ(hands().text("sceneEdit"), "12A");
+    EXPECT_EQ(hands().text("takeEdit"), "01");
+}
+
+TEST_F(SavingTest, theMarkTypedForOneFileGoesIntoTheFile)
+{
+    have({});
+    hands().select({ 0 });
+    hands().type("sceneEdit", "—"); // Three bytes, as "12A" has.
+    saveAll(1);
+    EXPECT_EQ(inFile(0).scene, "—");
+    EXPECT_EQ(proof(0).changedWithin({ descriptionRange({}), elementRange({}, "SCENE", "12A") }), "");
+}
+
+TEST_F(SavingTest, textGoesIntoTheFileAsUtf8)
+{
+    TakeFields fields;
+    fields.note = "123456";
+    have(fields);
+    hands().select({ 0 });
+    hands().type("notesEdit", QString::fromUtf8("äöü"));
+    saveAll(1);
+    EXPECT_EQ(inFile(0).note, "\xC3\xA4\xC3\xB6\xC3\xBC");
+    EXPECT_EQ(hands().widget<QTextEdit>("notesEdit")->toPlainText(), QString::fromUtf8("äöü"));
+}
+
+TEST_F(SavingTest, aTypedTrackNameGoesIntoTheTrackList)
+{
+    have({});
+    hands().select({ 0 });
+    auto* tracks = hands().widget<QTableWidget>("trackTable");
+    QTableWidgetItem* name = tracks->item(1, 2);
+    tracks->scrollToItem(name);
+    QTest::mouseClick(tracks->viewport(), Qt::LeftButton, {}, tracks->visualItemRect(name).center());
+    QTest::mouseDClick(tracks->viewport(), Qt::LeftButton, {}, tracks->visualItemRect(name).center());
+    auto* editor = tracks->viewport()->findChild<QLineEdit*>();
+    ASSERT_TRUE(editor);
+    editor->selectAll();
+    QTest::keyClicks(editor, "Mic");
+    QTest::keyClick(editor, Qt::Key_Return);
+    QCoreApplication::processEvents(); // The table takes the text in its own time.
+    EXPECT_EQ(name->text(), "Mic");
+
+    ASSERT_TRUE(hands().enabled("saveButton"));
+    saveAll(1);
+    ASSERT_EQ(inFile(0).tracks.size(), 2u);
+    EXPECT_EQ(inFile(0).tracks[0].name, "Boom");
+    EXPECT_EQ(inFile(0).tracks[1].name, "Mic");
+    EXPECT_EQ(inFile(0).tracks[1].function, "dry");
+    EXPECT_EQ(proof(0).changedExactly({ elementRange({}, "NAME", "Lav") }), "");
+}
+
+TEST_F(SavingTest, anEmptiedTrackNameAndFunctionAreWrittenEmpty)
+{
+    have({});
+    hands().select({ 0 });
+    auto* tracks = hands().widget<QTableWidget>("trackTable");
+    tracks->item(1, 2)->setText("");
+    delete tracks->takeItem(1, 3);
+    saveAll(1);
+    ASSERT_EQ(inFile(0).tracks.size(), 2u);
+    EXPECT_EQ(inFile(0).tracks[0].name, "Boom");
+    EXPECT_EQ(inFile(0).tracks[1].name, "");
+    EXPECT_EQ(inFile(0).tracks[1].function, "");
+    EXPECT_EQ(proof(0).unchangedOutside({ ixmlRange({}) }), "");
+}
+
+TEST_F(SavingTest, theChannelOfATrackIsReadFromItsCell)
+{
+    have({});
+    hands().select({ 0 });
+    auto* tracks = hands().widget<QTableWidget>("trackTable");
+    // The second row claims channel 1: its new name is written there.
+    tracks->item(1, 1)->setText("1");
+    tracks->item(1, 2)->setText("Mic!");
+    saveAll(1);
+    ASSERT_EQ(inFile(0).tracks.size(), 2u);
+    EXPECT_EQ(inFile(0).tracks[0].name, "Mic!");
+    EXPECT_EQ(inFile(0).tracks[1].name, "Lav");
+}
+
+TEST_F(SavingTest, aChannelCellWithoutItemCountsTheRowAndOneWithoutNumberIsZero)
+{
+    have({});
+    hands().select({ 0 });
+    auto* tracks = hands().widget<QTableWidget>("trackTable");
+    tracks->item(0, 1)->setText("one"); // Channel 0 is not in the file, so this name finds no place.
+    tracks->item(0, 2)->setText("None");
+    delete tracks->takeItem(1, 1);
+    tracks->item(1, 2)->setText("Mic");
+    saveAll(1);
+    ASSERT_EQ(inFile(0).tracks.size(), 2u);
+    EXPECT_EQ(inFile(0).tracks[0].name, "Boom");
+    EXPECT_EQ(inFile(0).tracks[1].name, "Mic");
+}
+
+// The state afterwards.
+
+TEST_F(SavingTest, savingIsOffAfterwardsAndStaysOffForTheSameSelection)
+{
+    have({});
+    have({});
+    hands().select({ 0, 1 });
+    hands().type("sceneEdit", "12B");
+    EXPECT_TRUE(hands().enabled("saveButton"));
+    saveAll(2);
+    EXPECT_FALSE(hands().enabled("saveButton"));
+    QMetaObject::invokeMethod(&hands().window, "onFileSelectionChanged");
+    EXPECT_FALSE(hands().enabled("saveButton"));
+}
+
+TEST_F(SavingTest, aRefillThatChangesTheEditorsTurnsSavingOnAgain)
+{
+    TakeFields fields;
+    fields.tracks.clear(); // A refill of the track table counts as a touch, whatever it holds.
+    have(fields);
+    hands().select({ 0 });
+    hands().type("sceneEdit", ""); // Comes back from the file.
+    saveAll(1);
+    EXPECT_EQ(hands().text("sceneEdit"), "12A");
+    EXPECT_TRUE(hands().enabled("saveButton"));
+}
+
+TEST_F(SavingTest, withNothingSelectedNothingHappens)
+{
+    have({});
+    hands();
+    const ModalHands modal;
+    QMetaObject::invokeMethod(&hands().window, "onSaveChanges");
+    EXPECT_TRUE(modal.boxes.isEmpty());
+    EXPECT_EQ(untouched(0), "");
+}
+
+// Files that can't be written.
+
+TEST_F(SavingTest, aReadOnlyFileAmongThreeIsNamedOnceAndTheOthersAreWritten)
+{
+    for (int i = 0; i < 3; ++i)
+        have({});
+    chmod(folder.path().c_str(), 0755);
+    for (const QString& path : paths)
+        chmod(path.toUtf8(), path == paths[1] ? 0444 : 0666);
+    hands().select({ 0, 1, 2 });
+    hands().type("sceneEdit", "12B");
+
+    QList<SeenBox> boxes;
+    {
+        const PlainUser user;
+        boxes = save();
+    }
+    ASSERT_EQ(boxes.size(), 2);
+    expectFailure(boxes[0], paths[1]);
+    expectSuccess(boxes[1], 3);
+    EXPECT_EQ(inFile(0).scene, "12B");
+    EXPECT_EQ(untouched(1), "");
+    EXPECT_EQ(inFile(2).scene, "12B");
+    EXPECT_EQ(hands().cell(1, 5), "12A");
+    EXPECT_EQ(hands().text("sceneEdit"), "—");
+}
+
+TEST_F(SavingTest, theEditsOfAFailedFileVanishFromTheEditors)
+{
+    TakeFields fields;
+    fields.withBext = false; // A scene needs the chunk that isn't there.
+    have(fields);
+    hands().select({ 0 });
+    hands().type("sceneEdit", "12B");
+    const QList<SeenBox> boxes = save();
+    ASSERT_EQ(boxes.size(), 2);
+    expectFailure(boxes[0], paths[0]);
+    expectSuccess(boxes[1], 1);
+    EXPECT_EQ(untouched(0), "");
+    EXPECT_EQ(hands().text("sceneEdit"), "12A");
+}
+
+TEST_F(SavingTest, aTextThatDoesNotFitIsGivenUpWithoutAWord)
+{
+    have({});
+    hands().select({ 0 });
+    hands().type("sceneEdit", "12AB"); // Reaches the Description, but the longer iXML text has no room.
+    saveAll(1);
+    EXPECT_EQ(proof(0).changedWithin({ descriptionRange({}) }), "");
+    EXPECT_EQ(hands().text("sceneEdit"), "12A");
+    EXPECT_EQ(hands().cell(0, 5), "12A");
+}
+
+TEST_F(SavingTest, whenAllFailEachHasItsWarningAndTheClosingBoxCountsThemAll)
+{
+    TakeFields fields;
+    fields.withBext = false;
+    have(fields);
+    have(fields);
+    hands().select({ 0, 1 });
+    hands().type("projectEdit", "Omega");
+    const QList<SeenBox> boxes = save();
+    ASSERT_EQ(boxes.size(), 3);
+    expectFailure(boxes[0], paths[0]);
+    expectFailure(boxes[1], paths[1]);
+    expectSuccess(boxes[2], 2);
+}
+
+TEST_F(SavingTest, aBatchOfHundredsGoesOnPastFailuresInItsMiddle)
+{
+    constexpr int kFiles = 300;
+    const auto fails = [](int row) { return row == 77 || row % 100 == 50; };
+    QStringList failing;
+    for (int row = 0; row < kFiles; ++row) {
+        TakeFields fields;
+        fields.withBext = !fails(row);
+        have(fields);
+        if (fails(row))
+            failing += paths.last();
+    }
+    hands().selectAll();
+    hands().type("projectEdit", "Omega");
+
+    QList<SeenBox> boxes = save();
+    ASSERT_EQ(boxes.size(), failing.size() + 1);
+    expectSuccess(boxes.takeLast(), kFiles);
+    QStringList named;
+    for (const SeenBox& box : boxes)
+        named += box.text.section('\n', 1);
+    std::ranges::sort(named); // The order of the files is nobody's business.
+    std::ranges::sort(failing);
+    EXPECT_EQ(named, failing);
+
+    ByteRange project = elementRange({}, "PROJECT", "Alpha");
+    --project.end;
+    for (int row = 0; row < kFiles; ++row) {
+        const std::string wrong
+            = fails(row) ? untouched(row) : proof(row).changedWithin({ descriptionRange({}), project });
+        EXPECT_EQ(wrong, "") << row;
+    }
+}
