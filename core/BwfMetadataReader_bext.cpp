@@ -20,11 +20,7 @@ constexpr uint64_t kMaxTimeReference = 20'000'000'000;
 // The fixed fields as they arrived. A field that the end of the file cuts did not arrive at all.
 class FixedFields {
 public:
-    FixedFields(const char* bytes, std::size_t count)
-        : payload(bytes)
-        , arrived(count)
-    {
-    }
+    FixedFields(const char* bytes, std::size_t count) : payload(bytes), arrived(count) { }
 
     bool has(std::size_t offset, std::size_t width) const { return offset + width <= arrived; }
 
@@ -34,10 +30,13 @@ public:
         if (!has(offset, width))
             return {};
         const char* const begin = payload + offset;
-        return {begin, std::find(begin, begin + width, '\0')};
+        return { begin, std::find(begin, begin + width, '\0') };
     }
 
-    uint16_t number16(std::size_t offset) const { return has(offset, 2) ? littleEndian16(payload + offset) : uint16_t{0}; }
+    uint16_t number16(std::size_t offset) const
+    {
+        return has(offset, 2) ? littleEndian16(payload + offset) : uint16_t{ 0 };
+    }
     uint64_t number64(std::size_t offset) const { return has(offset, 8) ? littleEndian64(payload + offset) : 0; }
 
     /// Two lower-case hexadecimal digits for each byte.
@@ -132,10 +131,10 @@ void BwfMetadataReader::readBextChunk(const std::string& path, BwfMetadata& reco
     const auto chunk = chunks.find(stream, "bext");
     if (!chunk)
         return;
-    const uint64_t begin = uint64_t{chunk->position - ChunkWalk::kHeaderBytes} + ChunkWalk::kHeaderBytes;
+    const uint64_t begin = uint64_t{ chunk->position - ChunkWalk::kHeaderBytes } + ChunkWalk::kHeaderBytes;
     std::array<char, kFixedBytes> payload;
     const std::size_t arrived = chunks.read(stream, begin, payload.data(), payload.size());
-    takeFixedFields({payload.data(), arrived}, record);
+    takeFixedFields({ payload.data(), arrived }, record);
     if (chunk->size > kHistoryReserve)
         record.codingHistory = readUpToNul(stream, begin + kFixedBytes, chunk->size - kHistoryReserve, chunks);
 }

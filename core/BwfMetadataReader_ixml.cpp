@@ -23,7 +23,7 @@ using Mark = IxmlTags::Mark;
 constexpr uint64_t kMaxTimeReference = 20'000'000'000;
 constexpr double kPullDenominator = 1001.0;
 constexpr double kPullFactor = 1.001;
-constexpr std::array<double, 3> kPulledRates{23.976, 29.97, 59.94};
+constexpr std::array<double, 3> kPulledRates{ 23.976, 29.97, 59.94 };
 constexpr double kRateTolerance = 0.001;
 
 // The rate of a recording that was pulled up to run with a 1001 timecode, clamped to what the field can hold.
@@ -73,14 +73,14 @@ void takeSpeed(const IxmlTags& tags, BwfMetadata& record)
     if (begin == IxmlTags::kNone)
         return;
     const IxmlTags::Index end = tags.find(Mark::SpeedEnd, Mark::SpeedEnd2, begin);
-    const IxmlTags::Range block{begin, std::min(end, tags.all().end)};
+    const IxmlTags::Range block{ begin, std::min(end, tags.all().end) };
 
     const std::optional<uint64_t> rate = NumberText::parseUnsigned(tags.value(Element::TimestampSampleRate, block));
     if (rate && *rate != 0 && *rate <= std::numeric_limits<uint32_t>::max())
         record.timestampSampleRate = static_cast<uint32_t>(*rate);
 
-    const std::optional<uint64_t> samples = combine(tags.value(Element::SamplesSinceMidnightLo, block),
-        tags.value(Element::SamplesSinceMidnightHi, block));
+    const std::optional<uint64_t> samples = combine(
+        tags.value(Element::SamplesSinceMidnightLo, block), tags.value(Element::SamplesSinceMidnightHi, block));
     if (samples && *samples <= kMaxTimeReference)
         record.timeReference = *samples;
 
@@ -107,7 +107,7 @@ void takeBext(const IxmlTags& tags, BwfMetadata& record)
     const IxmlTags::Index end = tags.find(Mark::BextEnd, Mark::BextEnd2, begin);
     if (end == IxmlTags::kNone)
         return;
-    const IxmlTags::Range block{begin, end};
+    const IxmlTags::Range block{ begin, end };
 
     const std::string_view time = tags.value(Element::OriginationTime, block);
     if (!time.empty() && record.originationTime.empty()) {
@@ -149,10 +149,7 @@ void takeProduction(const IxmlTags& tags, BwfMetadata& record)
 // A channel number converts once for all the tracks that pick it up.
 class ChannelNumbers {
 public:
-    ChannelNumbers(const IxmlTags& tags, IxmlTags::Index listEnd)
-        : cursor(tags, Element::ChannelIndex, listEnd)
-    {
-    }
+    ChannelNumbers(const IxmlTags& tags, IxmlTags::Index listEnd) : cursor(tags, Element::ChannelIndex, listEnd) { }
 
     int32_t at(IxmlTags::Index track, int32_t counter)
     {
@@ -188,7 +185,7 @@ void takeTracks(const IxmlTags& tags, BwfMetadata& record)
     IxmlTags::Index track = tags.find(Mark::TrackBegin, listBegin);
     while (track < listEnd) {
         record.tracks.push_back(
-            {channels.at(track, counter), std::string(names.value(track)), std::string(functions.value(track))});
+            { channels.at(track, counter), std::string(names.value(track)), std::string(functions.value(track)) });
         const IxmlTags::Index trackEnd = tags.find(Mark::TrackEnd, track);
         if (trackEnd == IxmlTags::kNone)
             return;
@@ -208,7 +205,7 @@ void takeTrackNames(const TrackNameList& names, BwfMetadata& record)
     if (!record.tracks.empty())
         return;
     for (const auto& [index, name] : names.named())
-        record.tracks.push_back({static_cast<int32_t>(index + 1), name, {}});
+        record.tracks.push_back({ static_cast<int32_t>(index + 1), name, {} });
 }
 
 // Recorders that write digital keys count samples in the rate of their timecode.
@@ -261,7 +258,7 @@ void BwfMetadataReader::readIxmlChunk(const std::string& path, BwfMetadata& reco
     const auto text = std::make_unique_for_overwrite<char[]>(size);
     const std::size_t arrived = chunks.read(stream, chunk->position, text.get(), size);
     stream.close();
-    parseIxml({text.get(), arrived}, record);
+    parseIxml({ text.get(), arrived }, record);
 }
 
 void BwfMetadataReader::parseIxml(std::string_view text, BwfMetadata& record)

@@ -19,28 +19,28 @@ struct KeyRule {
 };
 
 // "AUBITS" has no entry on purpose: that line is written but never read back.
-constexpr std::array<KeyRule, 18> kKeyRules{{
-    {"TS", &CantarMetadata::ubits, true},
-    {"DUBITS", &CantarMetadata::ubits, true},
-    {"DSCENE", &CantarMetadata::scene, true},
-    {"ASCENE", &CantarMetadata::scene, false},
-    {"SCENE", &CantarMetadata::scene, false},
-    {"DTAKE", &CantarMetadata::take, false},
-    {"ATAKE", &CantarMetadata::take, false},
-    {"TAKE", &CantarMetadata::take, false},
-    {"DTAPE", &CantarMetadata::tape, false},
-    {"ATAPE", &CantarMetadata::tape, false},
-    {"TAPE", &CantarMetadata::tape, false},
-    {"DFRAMERATE", &CantarMetadata::frameRate, false},
-    {"ASPEED", &CantarMetadata::frameRate, false},
-    {"SPEED", &CantarMetadata::frameRate, false},
-    {"ATAG", &CantarMetadata::tag, false},
-    {"TAG", &CantarMetadata::tag, false},
-    {"ANOTE", &CantarMetadata::note, false},
-    {"NOTE", &CantarMetadata::note, false},
-}};
+constexpr std::array<KeyRule, 18> kKeyRules{ {
+    { "TS", &CantarMetadata::ubits, true },
+    { "DUBITS", &CantarMetadata::ubits, true },
+    { "DSCENE", &CantarMetadata::scene, true },
+    { "ASCENE", &CantarMetadata::scene, false },
+    { "SCENE", &CantarMetadata::scene, false },
+    { "DTAKE", &CantarMetadata::take, false },
+    { "ATAKE", &CantarMetadata::take, false },
+    { "TAKE", &CantarMetadata::take, false },
+    { "DTAPE", &CantarMetadata::tape, false },
+    { "ATAPE", &CantarMetadata::tape, false },
+    { "TAPE", &CantarMetadata::tape, false },
+    { "DFRAMERATE", &CantarMetadata::frameRate, false },
+    { "ASPEED", &CantarMetadata::frameRate, false },
+    { "SPEED", &CantarMetadata::frameRate, false },
+    { "ATAG", &CantarMetadata::tag, false },
+    { "TAG", &CantarMetadata::tag, false },
+    { "ANOTE", &CantarMetadata::note, false },
+    { "NOTE", &CantarMetadata::note, false },
+} };
 
-constexpr std::array<std::string_view, 3> kTrackPrefixes{"DTRK", "ATRK", "TRK"};
+constexpr std::array<std::string_view, 3> kTrackPrefixes{ "DTRK", "ATRK", "TRK" };
 
 // "25.000FF" is "25.000", "23.976-ND" is "23.976". The key's case is open, the suffix's is not.
 std::string_view cleanFrameRate(std::string_view value)
@@ -119,7 +119,10 @@ void TrackNameList::set(std::size_t index, std::string_view name)
         names[index] = name;
 }
 
-std::string CantarMetadataParser::trim(std::string_view text) { return std::string(trimBlanks(text)); }
+std::string CantarMetadataParser::trim(std::string_view text)
+{
+    return std::string(trimBlanks(text));
+}
 
 void CantarMetadataParser::parseField(std::string_view line, CantarMetadata& record)
 {

@@ -31,9 +31,9 @@ std::optional<ChunkMap::Chunk> ChunkMap::find(std::istream& stream, std::string_
         return std::nullopt;
     ChunkWalk::Header header;
     while (!wanted->met && walk->next(stream, header)) {
-        Entry* const known = entryOf({header.id, sizeof header.id});
+        Entry* const known = entryOf({ header.id, sizeof header.id });
         if (known && !known->met)
-            *known = {true, header};
+            *known = { true, header };
     }
     if (!wanted->met)
         return std::nullopt;
@@ -42,7 +42,7 @@ std::optional<ChunkMap::Chunk> ChunkMap::find(std::istream& stream, std::string_
         char cut[ChunkWalk::kHeaderBytes];
         walk->read(stream, wanted->header.offset, cut, sizeof cut);
     }
-    return Chunk{wanted->header.size, static_cast<uint32_t>(payload)};
+    return Chunk{ wanted->header.size, static_cast<uint32_t>(payload) };
 }
 
 std::size_t ChunkMap::read(std::istream& stream, uint64_t offset, char* target, std::size_t count)
@@ -50,7 +50,10 @@ std::size_t ChunkMap::read(std::istream& stream, uint64_t offset, char* target, 
     return walk->read(stream, offset, target, count);
 }
 
-uint64_t ChunkMap::available(uint64_t offset, uint64_t count) const { return walk->available(offset, count); }
+uint64_t ChunkMap::available(uint64_t offset, uint64_t count) const
+{
+    return walk->available(offset, count);
+}
 
 ChunkMap::Entry* ChunkMap::entryOf(std::string_view id)
 {

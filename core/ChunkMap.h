@@ -23,7 +23,7 @@ public:
     /// Reads the file's header, once for all streams. True if it is "RIFF" or "RF64" with the form type "WAVE".
     bool begin(std::istream& stream);
     /// The file's first four bytes; fewer if there are fewer. Empty before `begin`.
-    std::string_view fileId() const { return {fileHeader.data(), fileIdBytes}; }
+    std::string_view fileId() const { return { fileHeader.data(), fileIdBytes }; }
 
     /// The first chunk called `id`, one of kKnownIds. Nothing if there is none or the stream had failed; the stream is
     /// failed then. A chunk whose size field the file cuts is found, but fails the stream.
@@ -34,7 +34,7 @@ public:
     /// As ChunkWalk::available.
     uint64_t available(uint64_t offset, uint64_t count) const;
 
-    static constexpr std::array<std::string_view, 5> kKnownIds{"data", "ds64", "fmt ", "bext", "iXML"};
+    static constexpr std::array<std::string_view, 5> kKnownIds{ "data", "ds64", "fmt ", "bext", "iXML" };
 
 private:
     struct Entry {

@@ -36,15 +36,9 @@ bool isZero(const char* bytes, std::size_t words)
 
 } // namespace
 
-ChunkWalk::ChunkWalk(uint64_t fileBytes)
-    : fileEnd(fileBytes)
-{
-}
+ChunkWalk::ChunkWalk(uint64_t fileBytes) : fileEnd(fileBytes) { }
 
-ChunkWalk::ChunkWalk(std::istream& stream)
-    : fileEnd(sizeOf(stream))
-{
-}
+ChunkWalk::ChunkWalk(std::istream& stream) : fileEnd(sizeOf(stream)) { }
 
 bool ChunkWalk::next(std::istream& stream, Header& header)
 {
@@ -55,7 +49,7 @@ bool ChunkWalk::next(std::istream& stream, Header& header)
     header.size = littleEndian32(bytes + sizeof header.id);
     header.offset = position;
     const uint32_t step = header.size + header.size % 2; // In 32 bits: the size 0xFFFFFFFF steps by 0.
-    position += kHeaderBytes + uint64_t{step};
+    position += kHeaderBytes + uint64_t{ step };
     if (isZero(bytes, 1))
         skipEmptyChunks();
     return true;

@@ -8,8 +8,7 @@
 namespace {
 
 // What stands between "<" and ">", by kind: the elements in both cases, then the marks.
-constexpr std::array<std::string_view, 52> kNames{
-    "TIMESTAMP_SAMPLE_RATE", "timestamp_sample_rate", //
+constexpr std::array<std::string_view, 52> kNames{ "TIMESTAMP_SAMPLE_RATE", "timestamp_sample_rate", //
     "TIMESTAMP_SAMPLES_SINCE_MIDNIGHT_HI", "timestamp_samples_since_midnight_hi", //
     "TIMESTAMP_SAMPLES_SINCE_MIDNIGHT_LO", "timestamp_samples_since_midnight_lo", //
     "TIMECODE_RATE", "timecode_rate", //
@@ -31,7 +30,7 @@ constexpr std::array<std::string_view, 52> kNames{
     "SPEED", "Speed", "/SPEED", "/Speed", //
     "BEXT", "Bext", "/BEXT", "/Bext", //
     "TRACK_LIST", "TrackList", "/TRACK_LIST", "/TrackList", //
-    "TRACK", "/TRACK"};
+    "TRACK", "/TRACK" };
 
 constexpr std::size_t kMaxNameLength = 35;
 
@@ -78,8 +77,7 @@ uint8_t identify(const char* name, std::size_t left)
 
 } // namespace
 
-IxmlTags::IxmlTags(std::string_view ixml)
-    : text(ixml)
+IxmlTags::IxmlTags(std::string_view ixml) : text(ixml)
 {
     static_assert(kKinds == kNames.size());
     first.fill(kNone);
@@ -94,7 +92,7 @@ IxmlTags::IxmlTags(std::string_view ixml)
         if (first[kind] == kNone)
             first[kind] = tags.size();
         const std::size_t valueBegin = at + kNames[kind].size() + 2;
-        tags.push_back({at, valueBegin, valueBegin, kind});
+        tags.push_back({ at, valueBegin, valueBegin, kind });
     }
 }
 
@@ -110,7 +108,10 @@ IxmlTags::Index IxmlTags::findKind(uint8_t kind, Range range) const
     return kNone;
 }
 
-IxmlTags::Index IxmlTags::find(Mark mark, Index from) const { return findKind(kindOf(mark), {from, tags.size()}); }
+IxmlTags::Index IxmlTags::find(Mark mark, Index from) const
+{
+    return findKind(kindOf(mark), { from, tags.size() });
+}
 
 IxmlTags::Index IxmlTags::find(Mark mark, Mark second, Index from) const
 {
@@ -136,9 +137,7 @@ std::string_view IxmlTags::value(Element element, Range range) const
     return found == kNone ? std::string_view() : valueAt(found, range.end);
 }
 
-IxmlTags::Cursor::Cursor(const IxmlTags& tags, Element element, Index end)
-    : source(tags)
-    , rangeEnd(end)
+IxmlTags::Cursor::Cursor(const IxmlTags& tags, Element element, Index end) : source(tags), rangeEnd(end)
 {
     upper.kind = upperKind(element);
     lower.kind = lowerKind(element);
@@ -148,7 +147,7 @@ IxmlTags::Cursor::Cursor(const IxmlTags& tags, Element element, Index end)
 bool IxmlTags::Cursor::advance(Spelling& spelling, Index begin) const
 {
     if (spelling.at == kNone || spelling.at < begin) {
-        const Index found = source.findKind(spelling.kind, {begin, rangeEnd});
+        const Index found = source.findKind(spelling.kind, { begin, rangeEnd });
         spelling.at = std::min(found, rangeEnd);
         if (spelling.at < rangeEnd)
             spelling.value = source.valueAt(spelling.at, rangeEnd);

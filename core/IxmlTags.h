@@ -67,7 +67,7 @@ public:
     explicit IxmlTags(std::string_view text);
 
     /// All tags.
-    Range all() const { return {0, tags.size()}; }
+    Range all() const { return { 0, tags.size() }; }
     /// The first `mark` at or behind `from`; kNone if there is none.
     Index find(Mark mark, Index from = 0) const;
     /// The first `mark` at or behind `from`, else the first `second` there; kNone if there is neither.

@@ -10,7 +10,10 @@ namespace {
 
 constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
 
 // What stands behind white space and a sign, and whether the sign was a minus.
 struct Signed {
@@ -27,7 +30,7 @@ Signed skipSign(std::string_view text)
     const bool negative = text.front() == '-';
     if (negative || text.front() == '+')
         text.remove_prefix(1);
-    return {text, negative};
+    return { text, negative };
 }
 
 std::optional<uint64_t> parseDigits(std::string_view text)
@@ -40,9 +43,12 @@ std::optional<uint64_t> parseDigits(std::string_view text)
     return value;
 }
 
+// "0x" with the beginning of a hexadecimal number behind it; from_chars by itself would take "0xinf", too.
 bool hasHexPrefix(std::string_view text)
 {
-    return text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X') && text[2] != '-';
+    constexpr std::string_view kBeginnings = ".0123456789abcdefABCDEF";
+    return text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')
+        && kBeginnings.find(text[2]) != std::string_view::npos;
 }
 
 std::optional<double> parseMagnitude(std::string_view text)
@@ -76,7 +82,7 @@ std::optional<int32_t> parseInt(std::string_view text)
 {
     const Signed number = skipSign(text);
     const std::optional<uint64_t> magnitude = parseDigits(number.rest);
-    const uint64_t limit = number.negative ? uint64_t{1} << 31 : (uint64_t{1} << 31) - 1;
+    const uint64_t limit = number.negative ? uint64_t{ 1 } << 31 : (uint64_t{ 1 } << 31) - 1;
     if (!magnitude || *magnitude > limit)
         return std::nullopt;
     const int64_t value = static_cast<int64_t>(*magnitude);
@@ -89,7 +95,7 @@ std::optional<uint64_t> parseUnsigned(std::string_view text)
     const std::optional<uint64_t> magnitude = parseDigits(number.rest);
     if (!magnitude)
         return std::nullopt;
-    return number.negative ? uint64_t{0} - *magnitude : *magnitude;
+    return number.negative ? uint64_t{ 0 } - *magnitude : *magnitude;
 }
 
 std::optional<double> parseDouble(std::string_view text)
@@ -109,7 +115,7 @@ std::string formatFixed(double value, int decimals)
     std::array<char, std::numeric_limits<double>::max_exponent10 + 20> digits{};
     const std::to_chars_result result
         = std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed, decimals);
-    return {digits.data(), result.ptr};
+    return { digits.data(), result.ptr };
 }
 
 std::string toUpperAscii(std::string_view text)
