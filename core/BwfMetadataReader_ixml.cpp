@@ -94,8 +94,11 @@ void takeSpeed(const IxmlTags& tags, BwfMetadata& record)
 void takeUbits(const IxmlTags& tags, BwfMetadata& record)
 {
     const std::string_view value = tags.value(Element::Ubits, tags.all());
-    if (!value.empty())
-        record.ubits = value.front() == '$' ? std::string(value) : "$" + std::string(value);
+    if (value.empty())
+        return;
+    record.ubits = value;
+    if (value.front() != '$')
+        record.ubits.insert(record.ubits.begin(), '$');
 }
 
 // Stricter than the SPEED block: both ends must be there, and a time reference of 0 is none.

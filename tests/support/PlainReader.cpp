@@ -384,7 +384,7 @@ void parseIxml(const std::string& text, BwfMetadata& record)
     parseSpeed(text, record);
     const std::string ubits = extractTag(text, "UBITS");
     if (!ubits.empty())
-        record.ubits = ubits[0] == '$' ? ubits : "$" + ubits;
+        record.ubits = (ubits[0] == '$' ? std::string() : std::string(1, '$')).append(ubits);
     parseBext(text, record);
     parseProduction(text, record);
     parseTracks(text, record);
