@@ -163,9 +163,10 @@ std::string folded(std::string text, int (*fold)(int))
 
 std::string extractTag(const std::string& text, const std::string& name)
 {
-    size_t begin = text.find("<" + name + ">");
+    const auto find = [&text](const std::string& spelling) { return text.find(std::string("<").append(spelling) + ">"); };
+    size_t begin = find(name);
     if (begin == std::string::npos)
-        begin = text.find("<" + folded(name, std::tolower) + ">");
+        begin = find(folded(name, std::tolower));
     if (begin == std::string::npos)
         return "";
     begin += name.size() + 2;
