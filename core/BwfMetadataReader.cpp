@@ -73,7 +73,7 @@ void BwfMetadataReader::readFileInfo(const std::string& path, BwfMetadata& recor
     std::ifstream stream = openForReading(path);
     if (!stream)
         return;
-    const bool isWave = chunks.begin(stream);
+    const bool isWave = chunks.begin(stream, record.fileSize);
     record.isRF64 = chunks.fileId() == "RF64";
     if (!isWave)
         return;

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
+#include <string_view>
 
 namespace {
 
@@ -29,8 +29,8 @@ public:
     {
         if (!has(offset, width))
             return {};
-        const char* const begin = payload + offset;
-        return { begin, std::find(begin, begin + width, '\0') };
+        const std::string_view field(payload + offset, width);
+        return std::string(field.substr(0, field.find('\0')));
     }
 
     uint16_t number16(std::size_t offset) const
@@ -46,11 +46,11 @@ public:
         std::string digits;
         if (!has(offset, width))
             return digits;
-        digits.reserve(2 * width);
+        digits.resize(2 * width);
         for (std::size_t i = 0; i < width; ++i) {
             const auto byte = static_cast<unsigned char>(payload[offset + i]);
-            digits += kDigits[byte >> 4];
-            digits += kDigits[byte & 0xF];
+            digits[2 * i] = kDigits[byte >> 4];
+            digits[2 * i + 1] = kDigits[byte & 0xF];
         }
         return digits;
     }

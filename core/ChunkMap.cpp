@@ -9,10 +9,10 @@ constexpr std::size_t kFormTypeOffset = 8;
 
 } // namespace
 
-bool ChunkMap::begin(std::istream& stream)
+bool ChunkMap::begin(std::istream& stream, std::optional<uint64_t> fileBytes)
 {
     if (!walk) {
-        walk.emplace(stream);
+        walk = fileBytes ? ChunkWalk(*fileBytes) : ChunkWalk(stream);
         fileIdBytes = std::min(walk->read(stream, 0, fileHeader.data(), fileHeader.size()), kIdBytes);
     }
     return isWave();

@@ -20,8 +20,9 @@ public:
         uint32_t position = 0;
     };
 
-    /// Reads the file's header, once for all streams. True if it is "RIFF" or "RF64" with the form type "WAVE".
-    bool begin(std::istream& stream);
+    /// Reads the file's header, once for all streams. The stream is asked for the file's size unless it is given.
+    /// True if the header is "RIFF" or "RF64" with the form type "WAVE".
+    bool begin(std::istream& stream, std::optional<uint64_t> fileBytes = std::nullopt);
     /// The file's first four bytes; fewer if there are fewer. Empty before `begin`.
     std::string_view fileId() const { return { fileHeader.data(), fileIdBytes }; }
 

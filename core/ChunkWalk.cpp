@@ -64,8 +64,8 @@ void ChunkWalk::skipEmptyChunks()
     const uint64_t blockEnd = blockBegin + blockSize;
     if (position < blockBegin || position > blockEnd)
         return;
-    const char* at = block.data() + (position - blockBegin);
-    const char* const end = block.data() + blockSize;
+    const char* at = block.get() + (position - blockBegin);
+    const char* const end = block.get() + blockSize;
     while (end - at >= static_cast<std::ptrdiff_t>(kStride) && isZero(at, kWords))
         at += kStride;
     while (end - at >= static_cast<std::ptrdiff_t>(kHeaderBytes) && isZero(at, 1))
@@ -80,7 +80,7 @@ std::size_t ChunkWalk::read(std::istream& stream, uint64_t offset, char* target,
     if (available(offset, count) == count) {
         fill(stream, offset, count);
         if (offset >= blockBegin && offset - blockBegin + count <= blockSize) {
-            std::memcpy(target, block.data() + (offset - blockBegin), count);
+            std::memcpy(target, block.get() + (offset - blockBegin), count);
             return count;
         }
     }
@@ -101,16 +101,18 @@ void ChunkWalk::fill(std::istream& stream, uint64_t offset, std::size_t count)
     if (offset >= blockBegin && offset + count <= blockEnd)
         return;
     const bool close = blockSize != 0 && offset >= blockBegin && offset <= blockEnd;
-    std::size_t wanted = block.empty() ? kFirstBlockBytes : kSmallBlockBytes;
+    std::size_t wanted = blockCapacity == 0 ? kFirstBlockBytes : kSmallBlockBytes;
     if (close)
         wanted = std::clamp(blockSize * 2, kSmallBlockBytes, kLargeBlockBytes);
     if (count > wanted)
         return;
     wanted = static_cast<std::size_t>(available(offset, wanted));
-    if (wanted > block.size())
-        block.resize(wanted);
+    if (wanted > blockCapacity) {
+        block = std::make_unique_for_overwrite<char[]>(wanted);
+        blockCapacity = wanted;
+    }
     stream.seekg(static_cast<std::streamoff>(offset));
-    stream.read(block.data(), static_cast<std::streamsize>(wanted));
+    stream.read(block.get(), static_cast<std::streamsize>(wanted));
     blockBegin = offset;
     blockSize = stream.bad() ? 0 : static_cast<std::size_t>(stream.gcount());
 }

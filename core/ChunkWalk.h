@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <istream>
+#include <memory>
 #include <string_view>
-#include <vector>
 
 /// Steps from chunk header to chunk header through a WAV file, out of a block buffer.
 ///
@@ -52,7 +52,8 @@ private:
 
     uint64_t fileEnd = 0;
     uint64_t position = kFirstChunk;
-    std::vector<char> block;
+    std::unique_ptr<char[]> block;
+    std::size_t blockCapacity = 0;
     uint64_t blockBegin = 0;
     std::size_t blockSize = 0; // Bytes of `block` that hold the file from blockBegin on.
 };

@@ -58,6 +58,7 @@ constexpr NamesByLength sortByLength()
 constexpr NamesByLength kByLength = sortByLength();
 static_assert(kByLength.begin.back() == kNames.size(), "a name is longer than kMaxNameLength");
 
+constexpr std::size_t kUsualTags = 128; // Of a file with a handful of tracks.
 constexpr uint8_t kUnknown = UINT8_MAX;
 
 // The kind of the tag whose name begins at `name`, behind its "<"; kUnknown if it is none of ours.
@@ -69,7 +70,7 @@ uint8_t identify(const char* name, std::size_t left)
     const auto length = static_cast<std::size_t>(static_cast<const char*>(close) - name);
     for (std::size_t i = kByLength.begin[length]; i < kByLength.begin[length + 1]; ++i) {
         const uint8_t kind = kByLength.kinds[i];
-        if (std::memcmp(kNames[kind].data(), name, length) == 0)
+        if (kNames[kind].front() == *name && std::memcmp(kNames[kind].data(), name, length) == 0)
             return kind;
     }
     return kUnknown;
@@ -81,6 +82,7 @@ IxmlTags::IxmlTags(std::string_view ixml) : text(ixml)
 {
     static_assert(kKinds == kNames.size());
     first.fill(kNone);
+    tags.reserve(kUsualTags);
     bool open = false; // The last tag still waits for the "<" that ends its value.
     for (std::size_t at = text.find('<'); at != std::string_view::npos; at = text.find('<', at + 1)) {
         if (open)

@@ -163,7 +163,8 @@ std::string folded(std::string text, int (*fold)(int))
 
 std::string extractTag(const std::string& text, const std::string& name)
 {
-    const auto find = [&text](const std::string& spelling) { return text.find(std::string("<").append(spelling) + ">"); };
+    const auto find
+        = [&text](const std::string& spelling) { return text.find(std::string("<").append(spelling) + ">"); };
     size_t begin = find(name);
     if (begin == std::string::npos)
         begin = find(folded(name, std::tolower));
