@@ -92,14 +92,17 @@ Shoot& shoot(size_t ixmlBytes)
     return ixmlBytes == kSmallIxml ? *small : *large;
 }
 
-// The least that can be done: open, read what stands in front of the audio at once, look at each byte, close.
+// The least that can be done: open, read what stands in front of the audio at once, go through its tags, close.
 size_t minimalRead(const std::string& path, std::vector<char>& buffer)
 {
     const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     const ssize_t got = pread(file, buffer.data(), buffer.size(), 0);
     close(file);
-    // A byte that no file has, so the scan runs to the end.
-    return got > 0 && std::memchr(buffer.data(), '\x7F', static_cast<size_t>(got)) ? 1 : 0;
+    const std::string_view text(buffer.data(), static_cast<size_t>(std::max<ssize_t>(got, 0)));
+    size_t tags = 0;
+    for (size_t at = text.find('<'); at != std::string_view::npos; at = text.find('<', at + 1))
+        ++tags;
+    return tags;
 }
 
 void minimalReader(benchmark::State& state)
