@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -21,6 +22,7 @@ using Element = IxmlTags::Element;
 using Mark = IxmlTags::Mark;
 
 constexpr uint64_t kMaxTimeReference = 20'000'000'000;
+constexpr std::size_t kPieceBytes = 16 * 1024;
 constexpr double kPullDenominator = 1001.0;
 constexpr double kPullFactor = 1.001;
 constexpr std::array<double, 3> kPulledRates{ 23.976, 29.97, 59.94 };
@@ -240,6 +242,44 @@ void takeDescription(BwfMetadata& record)
         deriveTimestampRate(record);
 }
 
+// True if all bytes are the same NUL or blank.
+bool isPadding(const char* bytes, std::size_t count)
+{
+    return (bytes[0] == '\0' || bytes[0] == ' ') && std::memcmp(bytes, bytes + 1, count - 1) == 0;
+}
+
+// The chunk's text as far as the file holds it, less whole pieces of padding at its end: they hold no tag and end no
+// value, and most chunks are mainly padding.
+std::string readPadded(std::istream& stream, const ChunkMap::Chunk& chunk, ChunkMap& chunks)
+{
+    const auto piece = std::make_unique_for_overwrite<char[]>(kPieceBytes);
+    std::string text;
+    char padding = '\0';
+    std::size_t padded = 0; // Bytes of `padding` that stand behind `text`.
+    uint64_t at = chunk.position;
+    uint64_t left = chunks.available(at, chunk.size);
+    while (left > 0) {
+        const auto wanted = static_cast<std::size_t>(std::min<uint64_t>(left, kPieceBytes));
+        const std::size_t arrived = chunks.read(stream, at, piece.get(), wanted);
+        if (arrived == 0)
+            break;
+        const bool isPad = isPadding(piece.get(), arrived);
+        if (!isPad || piece[0] != padding) {
+            text.append(padded, padding);
+            padded = 0;
+        }
+        if (isPad) {
+            padding = piece[0];
+            padded += arrived;
+        } else {
+            text.append(piece.get(), arrived);
+        }
+        at += arrived;
+        left -= arrived;
+    }
+    return text;
+}
+
 } // namespace
 
 void BwfMetadataReader::readIxmlChunk(const std::string& path, BwfMetadata& record)
@@ -257,11 +297,9 @@ void BwfMetadataReader::readIxmlChunk(const std::string& path, BwfMetadata& reco
     const auto chunk = chunks.find(stream, "iXML");
     if (!chunk)
         return;
-    const auto size = static_cast<std::size_t>(chunks.available(chunk->position, chunk->size));
-    const auto text = std::make_unique_for_overwrite<char[]>(size);
-    const std::size_t arrived = chunks.read(stream, chunk->position, text.get(), size);
+    const std::string text = readPadded(stream, *chunk, chunks);
     stream.close();
-    parseIxml({ text.get(), arrived }, record);
+    parseIxml(text, record);
 }
 
 void BwfMetadataReader::parseIxml(std::string_view text, BwfMetadata& record)
