@@ -51,7 +51,7 @@ class Demonstration:
 
     def play(self):
         dialog = self.window.play(1)
-        button = self.desktop.find("push button", "Play", within=dialog)
+        button = self.desktop.find("push button", " Play", within=dialog)
         if not self.desktop.is_enabled(button):
             raise SystemExit("the file could not be opened for playback")
         self.desktop.click(button)
