@@ -1,8 +1,11 @@
 #include "audio/SampleDecode.h"
 
+#include "audio/WideDecode.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <type_traits>
 
 // Samples are copied into integers and floats as they lie in the file.
 static_assert(std::endian::native == std::endian::little, "sample data is little-endian");
@@ -54,11 +57,20 @@ template <typename Sample> void decodeRun(const uint8_t* in, int64_t samples, fl
         out[i] = Sample::decode(in + i * Sample::kBytes);
 }
 
+// All channels of the file are one long run. Packed samples have a faster way for all but its last few.
+template <typename Sample> void decodeAll(const uint8_t* in, int64_t samples, float* out)
+{
+    int64_t done = 0;
+    if constexpr (std::is_same_v<Sample, Integer24>)
+        done = decodeWide24(in, samples, out);
+    decodeRun<Sample>(in + done * Sample::kBytes, samples - done, out + done);
+}
+
 template <typename Sample>
 void decodeFrames(const uint8_t* in, int64_t frames, int32_t fileChannels, float* out, int32_t outChannels)
 {
     if (outChannels == fileChannels) {
-        decodeRun<Sample>(in, frames * fileChannels, out);
+        decodeAll<Sample>(in, frames * fileChannels, out);
         return;
     }
     const int64_t stride = fileChannels * Sample::kBytes;

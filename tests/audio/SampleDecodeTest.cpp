@@ -1,0 +1,157 @@
+#include "audio/SampleDecode.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <random>
+#include <vector>
+
+namespace {
+
+struct Format {
+    int32_t code;
+    int32_t bits;
+};
+
+constexpr Format kFormats[] = {
+    {kFormatInteger, 16},
+    {kFormatInteger, 24},
+    {kFormatInteger, 32},
+    {kFormatFloat, 32},
+};
+
+constexpr int32_t kChannelCounts[] = {1, 2, 3, 5, 6, 7, 8, 31, 64};
+
+// The rule in its plainest form: assemble the number, convert to single precision, multiply in single precision.
+float expectedSample(const uint8_t* bytes, Format format)
+{
+    const int width = format.bits / 8;
+    int64_t number = 0;
+    for (int i = 0; i < width; ++i)
+        number += static_cast<int64_t>(bytes[i]) << (8 * i);
+    if (format.code == kFormatFloat)
+        return std::bit_cast<float>(static_cast<uint32_t>(number));
+    if (number >= int64_t{1} << (format.bits - 1))
+        number -= int64_t{1} << format.bits;
+    const float factor = static_cast<float>(std::ldexp(1.0, 1 - format.bits));
+    return static_cast<float>(number) * factor;
+}
+
+// Exactly as many bytes as the frames take, so that the address sanitizer sees any read beyond them.
+std::vector<uint8_t> randomBytes(size_t size, uint32_t seed)
+{
+    std::mt19937 random(seed);
+    std::vector<uint8_t> bytes(size);
+    for (uint8_t& each : bytes)
+        each = static_cast<uint8_t>(random() & 0xFF);
+    return bytes;
+}
+
+void expectSameBits(float actual, float expected)
+{
+    ASSERT_EQ(std::bit_cast<uint32_t>(actual), std::bit_cast<uint32_t>(expected));
+}
+
+void checkLoop(Format format, int64_t frames, int32_t fileChannels, int32_t outChannels)
+{
+    SCOPED_TRACE(testing::Message() << "format " << format.code << ", " << format.bits << " bits, " << frames << " frames, "
+                                    << outChannels << " of " << fileChannels << " channels");
+    const int64_t width = format.bits / 8;
+    const std::vector<uint8_t> in = randomBytes(static_cast<size_t>(frames * fileChannels * width), 7);
+    std::vector<float> out(static_cast<size_t>(frames * outChannels));
+    frameDecoder(format.code, format.bits)(in.data(), frames, fileChannels, out.data(), outChannels);
+    for (int64_t frame = 0; frame < frames; ++frame) {
+        for (int32_t channel = 0; channel < outChannels; ++channel) {
+            const uint8_t* bytes = in.data() + (frame * fileChannels + channel) * width;
+            expectSameBits(out[static_cast<size_t>(frame * outChannels + channel)], expectedSample(bytes, format));
+            expectSameBits(decodeSample(bytes, format.code, format.bits), expectedSample(bytes, format));
+        }
+    }
+}
+
+float decoded(std::vector<uint8_t> bytes, int32_t code, int32_t bits) { return decodeSample(bytes.data(), code, bits); }
+
+} // namespace
+
+TEST(SampleDecode, loopsOverAllChannelsFollowTheSampleRule)
+{
+    for (const Format format : kFormats) {
+        for (const int32_t channels : kChannelCounts)
+            checkLoop(format, 67, channels, channels);
+    }
+}
+
+TEST(SampleDecode, loopsOverTheFirstChannelsFollowTheSampleRule)
+{
+    for (const Format format : kFormats) {
+        for (const int32_t channels : kChannelCounts) {
+            for (int32_t wanted = 1; wanted < channels; wanted += 3)
+                checkLoop(format, 13, channels, wanted);
+        }
+    }
+}
+
+TEST(SampleDecode, everyShortRunIsDecodedToItsEnd)
+{
+    for (const Format format : kFormats) {
+        for (int64_t frames = 0; frames < 40; ++frames)
+            checkLoop(format, frames, 1, 1);
+    }
+}
+
+TEST(SampleDecode, negativeFullScaleIsExactlyMinusOne)
+{
+    EXPECT_EQ(decoded({0x00, 0x80}, kFormatInteger, 16), -1.0f);
+    EXPECT_EQ(decoded({0x00, 0x00, 0x80}, kFormatInteger, 24), -1.0f);
+    EXPECT_EQ(decoded({0x00, 0x00, 0x00, 0x80}, kFormatInteger, 32), -1.0f);
+}
+
+TEST(SampleDecode, positiveFullScaleIsALittleUnderOneWhereSinglePrecisionCanTell)
+{
+    EXPECT_EQ(decoded({0xFF, 0x7F}, kFormatInteger, 16), 32767.0f / 32768.0f);
+    EXPECT_EQ(decoded({0xFF, 0xFF, 0x7F}, kFormatInteger, 24), 8388607.0f / 8388608.0f);
+    // 2147483647 rounds to 2147483648 in single precision, before the factor.
+    EXPECT_EQ(decoded({0xFF, 0xFF, 0xFF, 0x7F}, kFormatInteger, 32), 1.0f);
+}
+
+TEST(SampleDecode, smallestStepsAreThePowersOfTwo)
+{
+    EXPECT_EQ(decoded({0x01, 0x00}, kFormatInteger, 16), 3.0517578e-5f);
+    EXPECT_EQ(decoded({0x01, 0x00, 0x00}, kFormatInteger, 24), 1.1920929e-7f);
+    EXPECT_EQ(decoded({0x01, 0x00, 0x00, 0x00}, kFormatInteger, 32), 4.656613e-10f);
+    EXPECT_EQ(decoded({0xFF, 0xFF, 0xFF}, kFormatInteger, 24), -1.1920929e-7f);
+}
+
+TEST(SampleDecode, floatsBeyondFullScaleAndOddOnesPassUnchanged)
+{
+    for (const uint32_t bits : {0x40800000u, 0xC1200000u, 0x7F800000u, 0x7FC00123u, 0x80000000u, 0x00000001u}) {
+        uint8_t bytes[4];
+        for (int i = 0; i < 4; ++i)
+            bytes[i] = static_cast<uint8_t>(bits >> (8 * i));
+        float out = 0.0f;
+        frameDecoder(kFormatFloat, 32)(bytes, 1, 1, &out, 1);
+        EXPECT_EQ(std::bit_cast<uint32_t>(out), bits);
+    }
+}
+
+TEST(SampleDecode, unknownFormatsGiveSilence)
+{
+    const std::vector<uint8_t> in(64, 0x55);
+    for (const Format format : {Format{kFormatInteger, 8}, Format{kFormatInteger, 0}, Format{kFormatFloat, 64}, Format{2, 16}}) {
+        std::vector<float> out(8, 9.0f);
+        frameDecoder(format.code, format.bits)(in.data(), 4, 2, out.data(), 2);
+        EXPECT_EQ(out, std::vector<float>(8, 0.0f));
+    }
+    EXPECT_EQ(decodeSample(in.data(), kFormatInteger, 8), 0.0f);
+    EXPECT_EQ(decodeSample(in.data(), 2, 16), 0.0f);
+}
+
+TEST(SampleDecode, narrowFloatsAreTakenAsFourOverlappingBytes)
+{
+    const std::vector<uint8_t> in = {0x00, 0x00, 0x80, 0x3F, 0x00, 0x40, 0x00, 0x00};
+    std::vector<float> out(2);
+    frameDecoder(kFormatFloat, 16)(in.data(), 2, 1, out.data(), 1);
+    EXPECT_EQ(out[0], 1.0f);
+    EXPECT_EQ(out[1], std::bit_cast<float>(0x40003F80u));
+}
