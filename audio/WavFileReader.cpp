@@ -9,6 +9,10 @@
 
 namespace {
 
+// Bytes of one piece of a synchronous read: with its floats, less than the cache next to a core.
+constexpr int64_t kPieceBytes = 262144;
+static_assert(kPieceBytes >= WavFileReader::kMaxChannels * 4);
+
 // Opening a pipe would wait for its other end.
 bool isRegularFile(const std::string& path)
 {
@@ -43,7 +47,7 @@ bool WavFileReader::open(const std::string& path)
     }
     opened = true;
     position = 0;
-    scratch.resize(static_cast<size_t>(frameBytes() * kBlockFrames + kSampleSlack));
+    growScratch(kBlockFrames);
     return true;
 }
 
@@ -128,24 +132,36 @@ int32_t WavFileReader::readFrames(float* out, int32_t frames, int32_t outChannel
 }
 
 // The stream's failure state is left as it is: after a short read nothing more comes until the file is opened again.
+// A long read goes piece by piece, so that the bytes of each are decoded while they are in the cache.
 int32_t WavFileReader::readFramesSync(float* out, int32_t frames, int32_t outChannels)
 {
     const int64_t start = position;
     const int64_t count = std::min<int64_t>(totalFrames - start, frames);
     if (count < 1)
         return 0;
-    const int64_t bytesWanted = count * frameBytes();
-    const size_t scratchSize = static_cast<size_t>(bytesWanted + kSampleSlack);
-    if (scratch.size() < scratchSize)
-        scratch.resize(scratchSize);
+    const FrameDecoder decode = frameDecoder(formatCode, bitsPerSample);
+    const int32_t decodedChannels = effectiveChannels(outChannels);
+    const int64_t pieceFrames = std::min(count, kPieceBytes / frameBytes());
+    growScratch(pieceFrames);
 
     seekStreamToFrame(start);
-    stream.read(reinterpret_cast<char*>(scratch.data()), bytesWanted);
-    const int64_t got = stream.gcount() / frameBytes();
-    const FrameDecoder decode = frameDecoder(formatCode, bitsPerSample);
-    decode(scratch.data(), got, channels, out, effectiveChannels(outChannels));
-    position = start + got;
-    return static_cast<int32_t>(got);
+    int64_t done = 0;
+    while (done < count && stream) {
+        const int64_t wanted = std::min(pieceFrames, count - done);
+        stream.read(reinterpret_cast<char*>(scratch.data()), wanted * frameBytes());
+        const int64_t got = stream.gcount() / frameBytes();
+        decode(scratch.data(), got, channels, out + done * decodedChannels, decodedChannels);
+        done += got;
+    }
+    position = start + done;
+    return static_cast<int32_t>(done);
+}
+
+void WavFileReader::growScratch(int64_t frames)
+{
+    const size_t size = static_cast<size_t>(frames * frameBytes() + kSampleSlack);
+    if (scratch.size() < size)
+        scratch.resize(size);
 }
 
 float WavFileReader::convertSampleToFloat(const uint8_t* bytes) const

@@ -150,6 +150,7 @@ private:
     int32_t effectiveChannels(int32_t wanted) const;
     void goToFrame(int64_t frame);
     void seekStreamToFrame(int64_t frame);
+    void growScratch(int64_t frames);
 
     // Producer.
     void prepareRing(int32_t maxChannels);
@@ -176,7 +177,7 @@ private:
     int64_t totalFrames = 0; // Whole frames in dataSize.
     std::streampos dataStart = 0; // Position of the first sample byte.
     std::atomic<int64_t> position{0}; // Next frame of the synchronous path; any thread may read it.
-    std::vector<uint8_t> scratch; // Raw bytes of one synchronous read; grows, never shrinks.
+    std::vector<uint8_t> scratch; // Raw bytes of a piece of a synchronous read; grows, never shrinks.
 
     // The ring.
     std::thread prefetchThread;

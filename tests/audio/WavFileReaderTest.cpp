@@ -516,6 +516,19 @@ TEST_F(WavFileReaderReadTest, oneReadMayTakeMoreThanABlock)
         ASSERT_EQ(all[i], static_cast<float>(i));
 }
 
+TEST_F(WavFileReaderReadTest, longReadOfManyPiecesIsWholeAndCutWhereTheFileEnds)
+{
+    constexpr int32_t kFrames = 200000;
+    const WavBuilder whole = numberedFile(kFrames, 3);
+    ASSERT_TRUE(open(WavBuilder(whole).truncateTo(whole.payloadOffset("data") + 12 * 150000 + 5)));
+    const std::vector<float> out = read(kFrames, 2, 2);
+    ASSERT_EQ(out.size(), 2u * 150000);
+    for (size_t i = 0; i < out.size(); ++i)
+        ASSERT_EQ(out[i], static_cast<float>(i / 2 * 3 + i % 2));
+    EXPECT_EQ(reader.getPosition(), 150000);
+    EXPECT_TRUE(read(1, 1, 1).empty());
+}
+
 TEST_F(WavFileReaderReadTest, narrowFloatFilesDeliverTheirFrames)
 {
     ASSERT_TRUE(open(WavBuilder().fmt(48000, 2, 24, 3).dataFrames(9000)));
