@@ -1,0 +1,47 @@
+#pragma once
+
+#include "report/TakeInfo.h"
+
+#include <QDateTime>
+#include <QString>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+class QTextDocument;
+
+/// What the PDF report says once about the whole roll.
+struct RollSummary {
+    /// Frames per second of the last take that has a rate above 0; 0.0 if none has.
+    double frameRate = 0.0;
+    /// Hz of the last take that has a rate; 0 if none has.
+    uint32_t sampleRate = 0;
+    /// Bits per sample of the last take that has them; 0 if none has.
+    uint16_t bitDepth = 0;
+    bool hasPoly = false;
+    bool hasMono = false;
+    /// The earliest file date; invalid if no take has one.
+    QDateTime date;
+};
+
+/// Walks the takes in list order.
+RollSummary summarizeRoll(const std::vector<TakeInfo>& takes);
+
+/// The configured details that the PDF report prints; each may be empty. Texts are UTF-8.
+struct ReportDetails {
+    std::string projectName = {};
+    std::string director = {};
+    std::string soundMixer = {};
+    std::string mixerPhone = {};
+    std::string mixerEmail = {};
+    /// Picture file for the title; one that can't be read is left out.
+    std::string companyLogoPath = {};
+    QString soundRoll = {};
+};
+
+/// Fills an empty document with the title, the block of details and the table of takes.
+void composeSoundReport(QTextDocument& document, const std::vector<TakeInfo>& takes, const ReportDetails& details);
+
+/// Prints to an A4 PDF, replacing what stood there. Nothing happens if the path can't be written.
+void printToPdf(const QTextDocument& document, const QString& filePath);

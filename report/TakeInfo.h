@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <QList>
+#include <QString>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// One take of a sound roll: one file, one row of every report. A plain value; texts are UTF-8 as the file holds
+/// them and become a `QString` only where they are shown. The circled, wild-track and drop-frame flags of a file are
+/// not taken over.
+struct TakeInfo {
+    /// Number that the recorder put in front of the first "_" of the file's name, such as "AAD0012"; empty for a name
+    /// that doesn't start with "AAD" or holds no "_".
+    std::string fileNumber;
+    /// "s" and four digits, out of `fileNumber` or counted in the order of loading. Part of the record; no view reads
+    /// it.
+    std::string shortNumber;
+    /// Name of the file with its extension.
+    std::string filename;
+    /// Scene name; may be empty.
+    std::string scene;
+    /// Take name; may be empty.
+    std::string take;
+    /// Project of the file's own metadata, not the configured one; may be empty.
+    std::string project;
+    /// Tape or roll name of the file; may be empty.
+    std::string soundRoll;
+    /// Start as HH:MM:SS:FF, empty when the file has no timecode.
+    std::string timecodeIn;
+    /// End as HH:MM:SS:FF, empty when the file has no timecode.
+    std::string timecodeOut;
+    /// Length in seconds; 0.0 when unknown.
+    double duration = 0.0;
+    /// Free note, may hold line feeds.
+    std::string notes;
+    /// Track names in channel order; empty names are kept. Never empty for a file whose channel count is known.
+    std::vector<std::string> tracks;
+    /// Absolute path of the file. Part of the record; no view reads it.
+    std::string filePath;
+    /// Modification time of the file, local time; may be invalid.
+    QDateTime fileDate;
+    /// Timecode frames per second; 0.0 when unknown.
+    double frameRate = 0.0;
+    /// Samples per second of the audio; 0 when unknown.
+    uint32_t sampleRate = 0;
+    /// Bits per sample; 0 when unknown.
+    uint16_t bitDepth = 0;
+    /// The file has two channels or more.
+    bool isPoly = false;
+};
+
+/// Reads each file, in the order given, and returns the takes sorted by file number, scene and take, each compared by
+/// its bytes; ties come in no defined order. A file that can't be parsed gives a take of empty texts and zeros; a file
+/// that vanished, or for which anything else throws, gives none. Reads synchronously.
+std::vector<TakeInfo> readTakes(const QList<QFileInfo>& files);
+
+/// The track names with `separator` between them; empty when there are none.
+QString joinedTracks(const TakeInfo& take, const QString& separator);
+
+/// The file's name less a final ".wav" in any case.
+QString nameWithoutWav(const TakeInfo& take);
