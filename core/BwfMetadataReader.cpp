@@ -50,27 +50,30 @@ void computeDuration(uint64_t dataSize, BwfMetadata& record)
 BwfMetadata BwfMetadataReader::readMetadata(const std::string& path)
 {
     BwfMetadata record;
+    std::ifstream stream;
     ChunkMap chunks;
-    readFileInfo(path, record, chunks);
-    readBextChunk(path, record, chunks);
-    readIxmlChunk(path, record, chunks);
+    readFileInfo(path, record, stream, chunks);
+    readBextChunk(path, record, stream, chunks);
+    readIxmlChunk(path, record, stream, chunks);
     return record;
 }
 
 void BwfMetadataReader::readFileInfo(const std::string& path, BwfMetadata& record)
 {
+    std::ifstream stream;
     ChunkMap chunks;
-    readFileInfo(path, record, chunks);
+    readFileInfo(path, record, stream, chunks);
 }
 
 // The order of the searches matters: a file without `data` (without `ds64` in RF64) has failed the stream when the
 // format's turn comes, and so ends up with no format either.
-void BwfMetadataReader::readFileInfo(const std::string& path, BwfMetadata& record, ChunkMap& chunks)
+void BwfMetadataReader::readFileInfo(
+    const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks)
 {
     const std::filesystem::path file(path);
     record.fileName = file.filename().string();
     record.fileSize = std::filesystem::file_size(file);
-    std::ifstream stream = openForReading(path);
+    const OpenedFile opened(stream, path);
     if (!stream)
         return;
     const bool isWave = chunks.begin(stream, record.fileSize);

@@ -3,7 +3,7 @@
 #include "core/BwfMetadata.h"
 
 #include <cstdint>
-#include <istream>
+#include <iosfwd>
 #include <string>
 #include <string_view>
 
@@ -49,7 +49,8 @@ public:
     static uint64_t readUint64LE(std::istream& stream);
 
 private:
-    static void readFileInfo(const std::string& path, BwfMetadata& record, ChunkMap& chunks);
-    static void readBextChunk(const std::string& path, BwfMetadata& record, ChunkMap& chunks);
-    static void readIxmlChunk(const std::string& path, BwfMetadata& record, ChunkMap& chunks);
+    // The same with what the steps of one file share: a closed stream, and the chunks that have been met.
+    static void readFileInfo(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks);
+    static void readBextChunk(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks);
+    static void readIxmlChunk(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks);
 };

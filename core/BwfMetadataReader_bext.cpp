@@ -117,15 +117,17 @@ std::string readUpToNul(std::istream& stream, uint64_t offset, uint64_t count, C
 
 void BwfMetadataReader::readBextChunk(const std::string& path, BwfMetadata& record)
 {
+    std::ifstream stream;
     ChunkMap chunks;
-    readBextChunk(path, record, chunks);
+    readBextChunk(path, record, stream, chunks);
 }
 
 // The 602 bytes are read whatever the chunk's size says, so a shorter chunk is read on into what follows it. They are
 // reached through the chunk's header, eight bytes in front of the payload in 32 bits.
-void BwfMetadataReader::readBextChunk(const std::string& path, BwfMetadata& record, ChunkMap& chunks)
+void BwfMetadataReader::readBextChunk(
+    const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks)
 {
-    std::ifstream stream = openForReading(path);
+    const OpenedFile opened(stream, path);
     if (!stream || !chunks.begin(stream))
         return;
     const auto chunk = chunks.find(stream, "bext");

@@ -22,7 +22,7 @@ using Element = IxmlTags::Element;
 using Mark = IxmlTags::Mark;
 
 constexpr uint64_t kMaxTimeReference = 20'000'000'000;
-constexpr std::size_t kPieceBytes = 16 * 1024;
+constexpr std::size_t kPieceBytes = 32 * 1024;
 constexpr double kPullDenominator = 1001.0;
 constexpr double kPullFactor = 1.001;
 constexpr std::array<double, 3> kPulledRates{ 23.976, 29.97, 59.94 };
@@ -223,9 +223,17 @@ void deriveTimestampRate(BwfMetadata& record)
     record.timestampSampleRate = pulled ? pulledRate(record.sampleRate) : record.sampleRate;
 }
 
+// The Description can only give what is missing; most files' iXML has it all.
+bool lacksSomething(const BwfMetadata& record)
+{
+    const bool text = record.scene.empty() || record.tape.empty() || record.take.empty() || record.note.empty()
+        || record.ubits.empty();
+    return text || record.frameRate == 0.0 || record.tracks.empty() || record.timestampSampleRate == 0;
+}
+
 void takeDescription(BwfMetadata& record)
 {
-    if (record.description.empty())
+    if (record.description.empty() || !lacksSomething(record))
         return;
     const CantarMetadata parsed = CantarMetadataParser::parseDescription(record.description);
     takeIfEmpty(parsed.scene, record.scene);
@@ -284,22 +292,22 @@ std::string readPadded(std::istream& stream, const ChunkMap::Chunk& chunk, Chunk
 
 void BwfMetadataReader::readIxmlChunk(const std::string& path, BwfMetadata& record)
 {
+    std::ifstream stream;
     ChunkMap chunks;
-    readIxmlChunk(path, record, chunks);
+    readIxmlChunk(path, record, stream, chunks);
 }
 
 // What the size claims beyond the end of the file would be NUL bytes, which hold no tag: no room is made for them.
-void BwfMetadataReader::readIxmlChunk(const std::string& path, BwfMetadata& record, ChunkMap& chunks)
+void BwfMetadataReader::readIxmlChunk(
+    const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks)
 {
-    std::ifstream stream = openForReading(path);
+    const OpenedFile opened(stream, path);
     if (!stream || !chunks.begin(stream))
         return;
     const auto chunk = chunks.find(stream, "iXML");
     if (!chunk)
         return;
-    const std::string text = readPadded(stream, *chunk, chunks);
-    stream.close();
-    parseIxml(text, record);
+    parseIxml(readPadded(stream, *chunk, chunks), record);
 }
 
 void BwfMetadataReader::parseIxml(std::string_view text, BwfMetadata& record)

@@ -64,6 +64,9 @@ constexpr uint8_t kUnknown = UINT8_MAX;
 // The kind of the tag whose name begins at `name`, behind its "<"; kUnknown if it is none of ours.
 uint8_t identify(const char* name, std::size_t left)
 {
+    // Half of all tags close an element, and most of those are not looked for.
+    if (left > 1 && name[0] == '/' && name[1] != 'S' && name[1] != 'B' && name[1] != 'T')
+        return kUnknown;
     const void* const close = std::memchr(name, '>', std::min(left, kMaxNameLength + 1));
     if (!close)
         return kUnknown;

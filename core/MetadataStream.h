@@ -3,12 +3,21 @@
 #include <fstream>
 #include <string>
 
-/// The file at `path` for binary reading, closed with the object; not open if that fails. Without a buffer of its own:
-/// its readers take what they need in one piece.
-inline std::ifstream openForReading(const std::string& path)
-{
-    std::ifstream stream;
-    stream.rdbuf()->pubsetbuf(nullptr, 0);
-    stream.open(path, std::ios::in | std::ios::binary);
-    return stream;
-}
+/// Holds a file open for binary reading on a stream that serves several files or steps, and closes it at the end.
+/// The stream has no buffer of its own: its readers take what they need in one piece.
+class OpenedFile {
+public:
+    /// `used` must outlive the object and be closed. A failure of its last file is forgotten if the opening succeeds;
+    /// the stream is failed if it doesn't.
+    OpenedFile(std::ifstream& used, const std::string& path) : stream(used)
+    {
+        stream.rdbuf()->pubsetbuf(nullptr, 0);
+        stream.open(path, std::ios::in | std::ios::binary);
+    }
+    ~OpenedFile() { stream.close(); }
+    OpenedFile(const OpenedFile&) = delete;
+    OpenedFile& operator=(const OpenedFile&) = delete;
+
+private:
+    std::ifstream& stream;
+};

@@ -271,6 +271,17 @@ TEST_F(ReadMetadata, paddingOfEitherKindChangesNothing)
         EXPECT_EQ(read(plain().ixmlPadded(kIxml, 5226, pad)).scene, "12A") << static_cast<int>(pad);
 }
 
+// Padding is only left away where nothing follows it.
+TEST_F(ReadMetadata, longPaddingInsideTheTextStays)
+{
+    for (const std::string& pad : { std::string(200000, '\0'), std::string(200000, ' '),
+             std::string(100000, ' ') + std::string(100000, '\0') + std::string(100000, ' ') }) {
+        const BwfMetadata record = read(plain().ixml("<TAKE>3</TAKE><NOTE>a" + pad + "b</NOTE>" + pad));
+        EXPECT_EQ(record.note, "a" + pad + "b");
+        EXPECT_EQ(record.take, "3");
+    }
+}
+
 TEST_F(ReadMetadata, cutIxmlGivesWhatArrived)
 {
     const WavBuilder file = WavBuilder()

@@ -110,6 +110,17 @@ TEST(HostileFiles, codingHistoryOfALargeSparseFileEndsAtItsFirstNul)
     EXPECT_LT(requestedBytes - before, 1u << 20);
 }
 
+TEST(HostileFiles, ixmlOfALargeSparseFileIsReadInTheMemoryOfItsText)
+{
+    TempFolder folder;
+    const std::string path = folder.file("a.wav");
+    WavBuilder().fmt(48000, 2, 24).data("").ixml("<TAKE>3</TAKE>").claimSize("iXML", 0xFFFFFFFE).write(path);
+    std::filesystem::resize_file(path, 300'000'000u);
+    const size_t before = requestedBytes;
+    EXPECT_EQ(BwfMetadataReader::readMetadata(path).take, "3");
+    EXPECT_LT(requestedBytes - before, 1u << 20);
+}
+
 TEST(HostileFiles, silenceBehindAPlaceholderIsWalkedInTheMemoryOfAFewBlocks)
 {
     TempFolder folder;
