@@ -80,11 +80,14 @@ std::string descriptionFor(const BwfMetadata& current, const BwfMetadata& update
     return CantarMetadataParser::buildDescription(wanted, rate);
 }
 
-/// Bytes of the file from `position` on; 0 past its end or on a failed stream. Moves the stream.
+/// Bytes of the file from `position` on; 0 past its end or on a failed stream. Moves the stream, and fails it if the
+/// file's end can't be told: what is not written for that reason must not pass as written.
 uint64_t bytesFrom(std::fstream& stream, uint64_t position)
 {
     stream.seekg(0, std::ios::end);
     const std::streamoff end = stream.tellg();
+    if (end < 0)
+        stream.setstate(std::ios::failbit);
     if (end < 0 || static_cast<uint64_t>(end) <= position)
         return 0;
     return static_cast<uint64_t>(end) - position;
