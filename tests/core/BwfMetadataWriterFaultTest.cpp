@@ -53,7 +53,7 @@ protected:
         bext.timeReference = 1;
         builder.fmt(48000, 1, 24)
             .bext(bext)
-            .ixmlPadded("<BWFXML><SCENE>12</SCENE>" + std::string(15000, 'x') + "</BWFXML>", kIxmlBytes, '\0')
+            .ixmlPadded("<BWFXML><SCENE>12</SCENE>" + rest, kIxmlBytes, '\0')
             .dataFrames(2000);
         builder.write(path);
         proof = std::make_unique<FileProof>(path);
@@ -67,7 +67,7 @@ protected:
             {bext, field("aSCENE=9\naTAKE=3\naSPEED=24.000-ND\n", kDescription)},
             {bext + 338, le64(kNewTimeReference)},
             {builder.payloadOffset("iXML"),
-                field("<BWFXML><SCENE>9</SCENE>" + std::string(15000, 'x') + "</BWFXML>", kIxmlBytes)},
+                field("<BWFXML><SCENE>9</SCENE>" + rest, kIxmlBytes)},
         };
     }
 
@@ -133,6 +133,8 @@ protected:
         proof = std::make_unique<FileProof>(path);
     }
 
+    const std::string rest = "<TRACK_LIST><TRACK><CHANNEL_INDEX>1</CHANNEL_INDEX><NAME>Boom</NAME></TRACK></TRACK_LIST>"
+        + std::string(15000, 'x') + "</BWFXML>";
     TempFolder folder;
     TempFolder marks;
     bool faultHappened = false;
