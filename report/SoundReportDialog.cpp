@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPalette>
 #include <QPushButton>
 #include <QStandardPaths>
 #include <QTableWidget>
@@ -74,6 +75,15 @@ QString folderToStartIn()
 QString textOr(const QString& text, const char* fallback)
 {
     return text.isEmpty() ? QString::fromLatin1(fallback) : text;
+}
+
+// The dark sheet gives rows a ground and a text colour but no alternate ground, which would come light from the
+// system's palette, with the light text on it.
+void keepAlternateRowsDark(QTableWidget& table)
+{
+    QPalette palette = table.palette();
+    palette.setColor(QPalette::AlternateBase, QColor(0x25, 0x25, 0x26));
+    table.setPalette(palette);
 }
 
 } // namespace
@@ -144,6 +154,7 @@ QGroupBox* SoundReportDialog::buildTakesGroup()
     takeTable->setEditTriggers(QAbstractItemView::NoEditTriggers);
     takeTable->horizontalHeader()->setStretchLastSection(true);
     takeTable->setAlternatingRowColors(true);
+    keepAlternateRowsDark(*takeTable);
 
     auto* layout = new QVBoxLayout(takesGroup);
     layout->addWidget(takeTable);

@@ -212,8 +212,10 @@ class Desktop:
         lines = []
         def show(node, depth):
             lines.append("%s%s %r" % ("  " * depth, node.get_role_name(), node.get_name()))
-            for index in range(min(node.get_child_count(), 60)):
-                show(node.get_child_at_index(index), depth + 1)
+            children = (node.get_child_at_index(index) for index in range(min(node.get_child_count(), 60)))
+            for child in children:
+                if child is not None:
+                    show(child, depth + 1)
         for application in self._applications():
             show(application, 0)
         return "\n".join(lines)

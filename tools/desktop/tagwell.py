@@ -143,7 +143,7 @@ class Tagwell:
         desktop = self.desktop
         desktop.click(desktop.find("push button", "Configure...", within=dialog))
         configuration = desktop.find("dialog", "Sound Report Configuration")
-        desktop.click(desktop.find("combo box", "Output Format:", within=configuration))
+        desktop.click(desktop.find("combo box", within=configuration))
         desktop.key("Home", *["Down"] * ("PDF", "CSV", "ALE").index(kind), "Return")
         desktop.click(desktop.find("push button", "OK", within=configuration))
         desktop.gone("dialog", "Sound Report Configuration")
