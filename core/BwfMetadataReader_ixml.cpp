@@ -15,6 +15,7 @@
 #include <limits>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -22,7 +23,8 @@ using Element = IxmlTags::Element;
 using Mark = IxmlTags::Mark;
 
 constexpr uint64_t kMaxTimeReference = 20'000'000'000;
-constexpr std::size_t kPieceBytes = 32 * 1024;
+constexpr std::size_t kPieceBytes = 64 * 1024; // Of a chunk, read at once.
+constexpr std::size_t kSliceBytes = 4 * 1024; // Padding is told in these.
 constexpr double kPullDenominator = 1001.0;
 constexpr double kPullFactor = 1.001;
 constexpr std::array<double, 3> kPulledRates{ 23.976, 29.97, 59.94 };
@@ -251,41 +253,56 @@ void takeDescription(BwfMetadata& record)
 }
 
 // True if all bytes are the same NUL or blank.
-bool isPadding(const char* bytes, std::size_t count)
+bool isPadding(std::string_view bytes)
 {
-    return (bytes[0] == '\0' || bytes[0] == ' ') && std::memcmp(bytes, bytes + 1, count - 1) == 0;
+    return (bytes[0] == '\0' || bytes[0] == ' ') && std::memcmp(bytes.data(), bytes.data() + 1, bytes.size() - 1) == 0;
 }
 
-// The chunk's text as far as the file holds it, less whole pieces of padding at its end: they hold no tag and end no
-// value, and most chunks are mainly padding.
-std::string readPadded(std::istream& stream, const ChunkMap::Chunk& chunk, ChunkMap& chunks)
-{
-    const auto piece = std::make_unique_for_overwrite<char[]>(kPieceBytes);
-    std::string text;
-    char padding = '\0';
-    std::size_t padded = 0; // Bytes of `padding` that stand behind `text`.
-    uint64_t at = chunk.position;
-    uint64_t left = chunks.available(at, chunk.size);
-    while (left > 0) {
-        const auto wanted = static_cast<std::size_t>(std::min<uint64_t>(left, kPieceBytes));
-        const std::size_t arrived = chunks.read(stream, at, piece.get(), wanted);
-        if (arrived == 0)
-            break;
-        const bool isPad = isPadding(piece.get(), arrived);
-        if (!isPad || piece[0] != padding) {
+// Puts a text together from slices and holds back those of padding until something follows them: at the end of a chunk
+// they hold no tag and end no value, and most chunks are mainly padding.
+class UnpaddedText {
+public:
+    void add(std::string_view slice)
+    {
+        const bool isPad = isPadding(slice);
+        if (!isPad || slice[0] != padding) {
             text.append(padded, padding);
             padded = 0;
         }
         if (isPad) {
-            padding = piece[0];
-            padded += arrived;
+            padding = slice[0];
+            padded += slice.size();
         } else {
-            text.append(piece.get(), arrived);
+            text.append(slice);
         }
+    }
+
+    std::string text;
+
+private:
+    char padding = '\0';
+    std::size_t padded = 0; // Bytes of `padding` that stand behind `text`.
+};
+
+// The chunk's text as far as the file holds it, less the padding at its end.
+std::string readUnpadded(std::istream& stream, const ChunkMap::Chunk& chunk, ChunkMap& chunks)
+{
+    uint64_t at = chunk.position;
+    uint64_t left = chunks.available(at, chunk.size);
+    const auto piece = std::make_unique_for_overwrite<char[]>(std::min<uint64_t>(left, kPieceBytes));
+    UnpaddedText result;
+    while (left > 0) {
+        const auto wanted = static_cast<std::size_t>(std::min<uint64_t>(left, kPieceBytes));
+        const std::size_t arrived = chunks.read(stream, at, piece.get(), wanted);
+        const std::string_view bytes(piece.get(), arrived);
+        for (std::size_t slice = 0; slice < arrived; slice += kSliceBytes)
+            result.add(bytes.substr(slice, kSliceBytes));
+        if (arrived < wanted)
+            break;
         at += arrived;
         left -= arrived;
     }
-    return text;
+    return std::move(result.text);
 }
 
 } // namespace
@@ -307,7 +324,7 @@ void BwfMetadataReader::readIxmlChunk(
     const auto chunk = chunks.find(stream, "iXML");
     if (!chunk)
         return;
-    parseIxml(readPadded(stream, *chunk, chunks), record);
+    parseIxml(readUnpadded(stream, *chunk, chunks), record);
 }
 
 void BwfMetadataReader::parseIxml(std::string_view text, BwfMetadata& record)

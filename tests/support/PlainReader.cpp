@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr uint32_t kMostTaken = 1u << 20;
+constexpr uint32_t kMostTaken = 1u << 17;
 
 uint64_t readNumber(std::istream& stream, int width)
 {
