@@ -9,8 +9,8 @@
 
 /// The metadata reader once more, as plain as it gets: one stream read and one seek for each chunk, one search through
 /// the whole text for each tag, the standard conversions. The truth that the fast reader is compared with, and a
-/// baseline of the benchmarks. Needs the C locale. Files should be small: where a size field claims more than 128 KiB, no
-/// more than that is taken.
+/// baseline of the benchmarks. Needs the C locale. Files should be small: where a size field claims more than 128 KiB,
+/// no more than that is taken.
 namespace PlainReader {
 
 BwfMetadata readMetadata(const std::string& path);
