@@ -27,8 +27,8 @@ struct StereoFrame {
 /// The stereo ring lies between the mixer thread and the render thread:
 /// 1. Frame i of the ring lies in slot i & kStereoMask. The counters wrap at 32 bits, a multiple of the ring.
 /// 2. The mixer thread writes slots, then moves `stereoWrite` with release; the render thread loads it with acquire
-/// before
-///    it reads them, and moves `stereoRead` likewise afterwards. One slot stays empty, or full would look like empty.
+///    before it reads them, and moves `stereoRead` likewise afterwards. One slot stays empty, or full would look like
+///    empty.
 /// 3. The interface thread zeroes both counters at a seek and a stop, without asking either of the two. So each of them
 ///    moves its counter only if nobody has touched it since it was loaded, and a block that was under way is dropped.
 /// 4. For a moment around that the mixer thread may write a slot that the render thread is reading. The slots are
@@ -52,9 +52,8 @@ struct PlayerState {
     std::atomic<bool> paused{ false }; ///< Interface thread writes.
     std::atomic<bool> finished{ false }; ///< Mixer thread sets, interface thread clears.
     std::atomic<bool> openFlag{ false }; ///< Interface thread writes.
-    std::atomic<bool> audioStarted{
-        false
-    }; ///< A block was taken since the last start. Mixer thread sets, interface clears.
+    /// A block was taken since the last start. Mixer thread sets, interface thread clears.
+    std::atomic<bool> audioStarted{ false };
 
     std::vector<std::atomic<StereoFrame>> stereoRing = std::vector<std::atomic<StereoFrame>>(kStereoFrames);
     std::atomic<uint32_t> stereoWrite{ 0 }; ///< Frames ever written, wrapping. Mixer thread; zeroed by the interface.

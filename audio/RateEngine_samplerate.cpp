@@ -1,6 +1,7 @@
 #include "audio/RateEngine.h"
 
 #include <atomic>
+#include <cmath>
 #include <memory>
 
 #include <samplerate.h>
@@ -27,7 +28,8 @@ struct Converter {
 Converter* newConverter(double inputRate, double outputRate)
 {
     const double ratio = outputRate / inputRate;
-    if (src_is_valid_ratio(ratio) == 0)
+    // The library takes a ratio that is no number for a valid one.
+    if (!std::isfinite(ratio) || src_is_valid_ratio(ratio) == 0)
         return nullptr;
     int error = 0;
     std::unique_ptr<SRC_STATE, StateDeleter> state(src_new(SRC_SINC_BEST_QUALITY, kChannels, &error));

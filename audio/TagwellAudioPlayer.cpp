@@ -7,7 +7,10 @@
 
 uint32_t PlayerState::queuedFrames() const
 {
-    return (stereoWrite.load(std::memory_order_acquire) - stereoRead.load(std::memory_order_acquire)) & kStereoMask;
+    // The read counter comes first. The other way about, a render call between the two loads could carry it past the
+    // write counter, and a nearly empty ring would look full.
+    const uint32_t read = stereoRead.load(std::memory_order_acquire);
+    return (stereoWrite.load(std::memory_order_acquire) - read) & kStereoMask;
 }
 
 void PlayerState::emptyStereoRing()

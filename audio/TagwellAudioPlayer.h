@@ -64,9 +64,9 @@ public:
     /// Seconds; 0.0 if no file is open.
     double durationSeconds() const;
 
-    /// The file's frames per second; 0 if no file is open.
+    /// Frames per second of the file opened last; 0 after `close`.
     int32_t sampleRate() const;
-    /// The file's channels, which are the tracks, 1 to 64; 0 if no file is open.
+    /// Channels of the file opened last, which are the tracks, 1 to 64; 0 after `close`.
     int32_t channels() const;
     /// 16, 24 or 32, of the file opened last.
     int32_t bitDepth() const;

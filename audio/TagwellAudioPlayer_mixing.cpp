@@ -74,8 +74,7 @@ std::chrono::milliseconds mixerPass(PlayerState& state, const PlaybackMixer& mix
     if (!state.playing.load(std::memory_order_acquire) || state.paused.load(std::memory_order_acquire))
         return kIdleSleep;
 
-    const uint32_t written = state.stereoWrite.load(std::memory_order_relaxed);
-    const uint32_t used = (written - state.stereoRead.load(std::memory_order_acquire)) & PlayerState::kStereoMask;
+    const uint32_t used = state.queuedFrames();
     const uint32_t target = fillTarget(state.deviceRate);
     const uint32_t room = PlayerState::kUsableFrames - used;
     if (target <= used || room < kMinimumRoom) {
@@ -92,13 +91,16 @@ std::chrono::milliseconds mixerPass(PlayerState& state, const PlaybackMixer& mix
         return kNoDataSleep;
     }
 
+    // Loaded only now: the frames of a block that is dropped for a changed counter are then surely from before that
+    // change. After a seek that was taken before the read, these are the first frames of the new place.
+    const uint32_t firstFrame = state.stereoWrite.load(std::memory_order_relaxed);
     state.audioStarted.store(true, std::memory_order_release);
     mixer.mixToStereo(blocks.input.data(), got, blocks.stereo.data(), blocks.peaks.data());
     raisePeaks(state, blocks);
     const int32_t made
         = state.converter.convert(blocks.stereo.data(), got, blocks.converted.data(), MixerBlocks::kDeviceFrames);
     if (made >= 1)
-        state.publishFrames(written, blocks.converted.data(), static_cast<uint32_t>(made));
+        state.publishFrames(firstFrame, blocks.converted.data(), static_cast<uint32_t>(made));
     return kNoSleep;
 }
 

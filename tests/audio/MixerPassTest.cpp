@@ -55,12 +55,15 @@ TEST_F(MixerPassTest, nothingIsTakenWhileTheTransportRests)
     openMono(1000);
     takeBlock();
     const int64_t position = state->reader.getPosition();
+    const float peak = state->peaks[0];
+    EXPECT_GT(peak, 0.0F);
     state->paused = true;
     EXPECT_EQ(pass(), milliseconds(8));
     state->paused = false;
     state->playing = false;
     EXPECT_EQ(pass(), milliseconds(8));
     EXPECT_EQ(state->reader.getPosition(), position);
+    EXPECT_EQ(state->peaks[0], peak) << "peaks stand still";
 }
 
 TEST_F(MixerPassTest, aPassTakes256FramesAtMost)

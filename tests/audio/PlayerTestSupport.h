@@ -1,5 +1,6 @@
 #pragma once
 
+#include "audio/PlayerState.h"
 #include "audio/TagwellAudioPlayer.h"
 #include "tests/support/DrivenOutput.h"
 #include "tests/support/TempFolder.h"
@@ -73,6 +74,17 @@ protected:
             return heard.size() >= frames || player.isFinished();
         }));
         return heard;
+    }
+
+    /// The state of the player opened last.
+    static PlayerState& state() { return *static_cast<PlayerState*>(DrivenOutput::renderContext()); }
+
+    /// Waits until the mixer has filled the stereo ring. Without a pull it then has nothing under way that a pause, a
+    /// seek or a stop could meet halfway. The file needs 80 ms more.
+    static void fillRing()
+    {
+        const auto target = static_cast<uint32_t>(state().deviceRate * 0.08);
+        EXPECT_TRUE(comesTrue([&] { return state().queuedFrames() == target; }));
     }
 
     TempFolder folder;

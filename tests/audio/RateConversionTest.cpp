@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 #include <vector>
 
@@ -106,4 +107,7 @@ TEST(RateConversion, aRatioThatNoFilterServesIsRefused)
 {
     AudioRateConverter converter;
     EXPECT_FALSE(converter.setup(1.0, 48000.0));
+    constexpr double kEndless = std::numeric_limits<double>::infinity();
+    EXPECT_FALSE(converter.setup(kEndless, 48000.0));
+    EXPECT_FALSE(converter.setup(kEndless, kEndless));
 }

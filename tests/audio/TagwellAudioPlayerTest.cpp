@@ -306,8 +306,8 @@ TEST_F(PlayerTest, pausedPeaksStandStill)
     ASSERT_TRUE(player.open(monoFile(48000)));
     ASSERT_TRUE(player.play());
     hear(5000);
+    fillRing();
     player.pause();
-    std::this_thread::sleep_for(std::chrono::milliseconds(30));
     const float peak = player.trackPeak(0);
     EXPECT_GT(peak, 0.0F);
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
@@ -346,15 +346,15 @@ TEST_F(PlayerTest, stopReturnsToTheStartAndZeroesThePeaks)
     ASSERT_TRUE(player.open(monoFile(48000)));
     ASSERT_TRUE(player.play());
     hear(9600);
+    fillRing();
     ASSERT_GT(player.trackPeak(0), 0.0F);
     player.stop();
     EXPECT_FALSE(player.isPlaying());
     EXPECT_FALSE(player.isPaused());
     EXPECT_FALSE(player.isFinished());
     EXPECT_FALSE(DrivenOutput::started());
-    // The mixer thread may have been in the midst of a block; when it is through, nothing of that is left.
-    EXPECT_TRUE(comesTrue([&] { return player.trackPeak(0) == 0.0F; }));
-    EXPECT_LE(player.positionSeconds(), 256.0 / 48000.0);
+    EXPECT_EQ(player.trackPeak(0), 0.0F);
+    EXPECT_EQ(player.positionSeconds(), 0.0);
 }
 
 TEST_F(PlayerTest, stopFromPausedAndFromFinishedLeadsToStopped)
@@ -379,9 +379,7 @@ TEST_F(PlayerTest, playAfterStopBeginsAtTheStart)
     ASSERT_TRUE(player.open(monoFile(20000)));
     ASSERT_TRUE(player.play());
     hear(5000);
-    player.stop();
-    // Lets a block that was under way land, so that the comparison below is exact.
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    fillRing();
     player.stop();
     ASSERT_TRUE(player.play());
     EXPECT_EQ(hear(SIZE_MAX), numberedSamples(20000));
@@ -392,8 +390,8 @@ TEST_F(PlayerTest, seekWhilePausedMovesThePositionAtOnceAndStaysPaused)
     ASSERT_TRUE(player.open(monoFile(96000)));
     ASSERT_TRUE(player.play());
     hear(1000);
+    fillRing();
     player.pause();
-    std::this_thread::sleep_for(std::chrono::milliseconds(30));
     player.seekSeconds(1.5);
     EXPECT_DOUBLE_EQ(player.positionSeconds(), 1.5);
     EXPECT_TRUE(player.isPaused());
@@ -460,6 +458,18 @@ TEST_F(PlayerTest, positionFollowsWhatIsHeardWhenTheRatesDiffer)
     }
 }
 
+TEST_F(PlayerTest, queuedFramesCountAtTheDevicesRateAndTakenOnesAtTheFiles)
+{
+    DrivenOutput::setNominalRate(44100.0);
+    ASSERT_TRUE(player.open(monoFile(2 * 48000)));
+    player.seekSeconds(1.0);
+    state().stereoWrite = 4410;
+    EXPECT_DOUBLE_EQ(player.positionSeconds(), 0.9);
+    player.seekSeconds(0.05);
+    state().stereoWrite = 4410;
+    EXPECT_EQ(player.positionSeconds(), 0.0) << "never below";
+}
+
 TEST_F(PlayerTest, positionNeverFallsBelowZeroWhileTheFirstFramesAreQueued)
 {
     DrivenOutput::setNominalRate(44100.0);
@@ -477,14 +487,14 @@ TEST_F(PlayerTest, aTruncatedFileNeverFinishes)
     WavBuilder().fmt(48000, 1, 16).dataFrames(4800).truncateTo(44 + 2 * 2400).write(folder.file("short.wav"));
     ASSERT_TRUE(player.open(folder.file("short.wav")));
     ASSERT_TRUE(player.play());
-    hear(2300);
-    for (int i = 0; i < 60; ++i) {
+    ASSERT_TRUE(comesTrue([&] {
         DrivenOutput::pullStereo(128);
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
+        return player.positionSeconds() == 0.05 && state().queuedFrames() == 0;
+    }));
+    std::this_thread::sleep_for(std::chrono::milliseconds(60));
     EXPECT_TRUE(player.isPlaying());
     EXPECT_FALSE(player.isFinished());
-    EXPECT_NEAR(player.positionSeconds(), 0.05, 1e-9);
+    EXPECT_EQ(player.positionSeconds(), 0.05);
 }
 
 TEST_F(PlayerTest, anEmptyFileOpensAndStaysPlayingInSilence)

@@ -1,6 +1,8 @@
 #include "audio/AudioOutput.h"
+#include "audio/PlayerState.h"
 #include "audio/TagwellAudioPlayer.h"
 
+#include "tests/audio/PlayerTestSupport.h"
 #include "tests/fakes/CoreAudioServices.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/WavBuilder.h"
@@ -38,6 +40,12 @@ struct AudioOutputMac : testing::Test {
         Lines lines(kSetUp.begin(), std::find(kSetUp.begin(), kSetUp.end(), last) + 1);
         lines.insert(lines.end(), more.begin(), more.end());
         return lines;
+    }
+
+    // What the player hands to the unit as the callback's context.
+    static const PlayerState& playerState()
+    {
+        return *static_cast<const PlayerState*>(state.unitCallback.inputProcRefCon);
     }
 
     TempFolder folder;
@@ -230,4 +238,53 @@ TEST_F(AudioOutputMac, closeStopsUninitialisesDisposes)
     EXPECT_EQ(state.calls,
         (Lines{ "AudioOutputUnitStop", "AudioOutputUnitStop", "AudioUnitUninitialize",
             "AudioComponentInstanceDispose" }));
+}
+
+TEST_F(AudioOutputMac, stopStopsTheUnitBeforeItEmptiesTheRing)
+{
+    TagwellAudioPlayer player;
+    ASSERT_TRUE(player.open(file));
+    ASSERT_TRUE(player.play());
+    ASSERT_TRUE(comesTrue([] { return playerState().queuedFrames() == 3840u; }));
+    uint32_t queuedAtStop = 0;
+    bool playingAtStop = true;
+    state.onCall = [&](const std::string&) {
+        queuedAtStop = playerState().queuedFrames();
+        playingAtStop = playerState().playing;
+    };
+    player.stop();
+    EXPECT_EQ(queuedAtStop, 3840u);
+    EXPECT_FALSE(playingAtStop);
+    EXPECT_EQ(playerState().queuedFrames(), 0u);
+    state.onCall = nullptr;
+}
+
+TEST_F(AudioOutputMac, seekAndStopMakeTheConverterForget)
+{
+    state.rate = 44100.0;
+    TagwellAudioPlayer player;
+    ASSERT_TRUE(player.open(file));
+    state.calls.clear();
+    player.seekSeconds(0.05);
+    EXPECT_EQ(state.calls, Lines{ "AudioConverterReset" });
+    state.calls.clear();
+    player.stop();
+    EXPECT_EQ(state.calls, (Lines{ "AudioOutputUnitStop", "AudioConverterReset" }));
+}
+
+TEST_F(AudioOutputMac, closeEndsTheMixerThreadBeforeItDisposesOfAnything)
+{
+    state.rate = 44100.0;
+    TagwellAudioPlayer player;
+    ASSERT_TRUE(player.open(file));
+    Lines afterTheThread;
+    state.onCall = [&](const std::string& line) {
+        if (!playerState().mixerThread.joinable())
+            afterTheThread.push_back(line);
+    };
+    player.close();
+    state.onCall = nullptr;
+    EXPECT_EQ(afterTheThread,
+        (Lines{ "AudioOutputUnitStop", "AudioUnitUninitialize", "AudioComponentInstanceDispose",
+            "AudioConverterDispose" }));
 }

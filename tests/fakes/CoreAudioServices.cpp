@@ -13,6 +13,8 @@ namespace {
 OSStatus answer(const std::string& line)
 {
     state.calls.push_back(line);
+    if (state.onCall)
+        state.onCall(line);
     const auto found = state.statuses.find(line);
     return found == state.statuses.end() ? 0 : found->second;
 }

@@ -20,6 +20,9 @@ struct State {
     /// Status to answer by a line of `calls`; 0 where nothing is set.
     std::map<std::string, OSStatus> statuses;
 
+    /// Called with each line before the call is answered, in the thread that calls.
+    std::function<void(const std::string&)> onCall;
+
     AudioDeviceID device = 42;
     double rate = 48000.0;
     bool hasComponent = true;
