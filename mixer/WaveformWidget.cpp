@@ -13,6 +13,7 @@
 
 namespace {
 
+constexpr QColor kGround(26, 26, 26);
 constexpr int kReadFrames = 8192;
 constexpr double kSmallestMove = 0.001;
 
@@ -72,13 +73,18 @@ bool WaveformWidget::loadFile(const std::string& path)
 void WaveformWidget::clear()
 {
     peaks.clear();
+    barsPicture = QPixmap();
     playbackPosition = 0.0;
     duration = 0.0;
     totalFrames = 0;
     update();
 }
 
-void WaveformWidget::generatePeaks(const std::vector<float>& samples, int) { peaks = waveformPeaks(samples); }
+void WaveformWidget::generatePeaks(const std::vector<float>& samples, int)
+{
+    peaks = waveformPeaks(samples);
+    barsPicture = QPixmap();
+}
 
 void WaveformWidget::setPlaybackPosition(double position)
 {
@@ -100,14 +106,29 @@ void WaveformWidget::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillRect(rect(), QColor(26, 26, 26));
     if (peaks.empty()) {
+        painter.fillRect(rect(), kGround);
         painter.setPen(QColor(80, 80, 80));
         painter.drawText(rect(), Qt::AlignCenter, QStringLiteral("Select a file to view waveform"));
         return;
     }
-    paintBars(painter);
+    // Only the playhead moves, 20 times a second; the bars are drawn once for each size.
+    const qreal density = painter.device()->devicePixelRatioF();
+    const QSize pixels = (QSizeF(size()) * density).toSize();
+    if (barsPicture.size() != pixels || !qFuzzyCompare(barsPicture.devicePixelRatio(), density))
+        drawBarsPicture(pixels, density);
+    painter.drawPixmap(0, 0, barsPicture);
     paintLines(painter);
+}
+
+void WaveformWidget::drawBarsPicture(QSize pixels, qreal density)
+{
+    barsPicture = QPixmap(pixels);
+    barsPicture.setDevicePixelRatio(density);
+    barsPicture.fill(kGround);
+    QPainter painter(&barsPicture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    paintBars(painter);
 }
 
 void WaveformWidget::paintBars(QPainter& painter) const
@@ -120,11 +141,8 @@ void WaveformWidget::paintBars(QPainter& painter) const
     painter.setBrush(colours);
 
     const WaveformGeometry geometry {width(), height(), peaks.size()};
-    QList<QRectF> bars;
-    bars.reserve(static_cast<qsizetype>(peaks.size()));
     for (size_t i = 0; i < peaks.size(); ++i)
-        bars.append(geometry.barRect(i, peaks[i]));
-    painter.drawRects(bars);
+        painter.drawRect(geometry.barRect(i, peaks[i]));
 }
 
 void WaveformWidget::paintLines(QPainter& painter) const

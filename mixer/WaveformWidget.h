@@ -2,6 +2,7 @@
 
 #include "mixer/WaveformPeaks.h"
 
+#include <QPixmap>
 #include <QWidget>
 
 #include <cstdint>
@@ -48,6 +49,9 @@ protected:
     int32_t sampleRate = 48000; ///< Frames per second.
 
 private:
+    void drawBarsPicture(QSize pixels, qreal density);
     void paintBars(QPainter& painter) const;
     void paintLines(QPainter& painter) const;
+
+    QPixmap barsPicture; // Ground and bars as last painted; null until the bars are painted again.
 };

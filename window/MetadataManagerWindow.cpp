@@ -35,22 +35,6 @@ void keepSplitterOpen(QSplitter* splitter)
     splitter->setHandleWidth(kSplitterHandleWidth);
 }
 
-/// Holds back the repainting of a widget while many of its parts change.
-class UpdatePause {
-public:
-    explicit UpdatePause(QWidget* paused)
-        : widget(paused)
-    {
-        widget->setUpdatesEnabled(false);
-    }
-    ~UpdatePause() { widget->setUpdatesEnabled(true); }
-    UpdatePause(const UpdatePause&) = delete;
-    UpdatePause& operator=(const UpdatePause&) = delete;
-
-private:
-    QWidget* widget;
-};
-
 } // namespace
 
 MetadataManagerWindow::MetadataManagerWindow(QWidget* parent)
@@ -197,10 +181,10 @@ void MetadataManagerWindow::readNewFiles(const QList<QString>& paths)
 
 void MetadataManagerWindow::appendRowsForNewRecords()
 {
-    const UpdatePause pause(fileTable);
     const int firstNewRow = fileTable->rowCount();
     const int rowCount = static_cast<int>(records.size());
-    // All rows at once: each insertion by itself would renumber every play button above it.
+    // All rows at once: each insertion by itself would renumber every play button above it. Updates stay enabled, since
+    // enabling them again marks every button for painting; nothing is painted before the event loop runs anyway.
     fileTable->setRowCount(rowCount);
     for (int row = firstNewRow; row < rowCount; ++row)
         fillFileRow(row);

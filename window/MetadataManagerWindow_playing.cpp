@@ -68,7 +68,12 @@ void MetadataManagerWindow::attachPlayButton(int row)
             }
         }
     });
-    fileTable->setCellWidget(row, indexOf(FileColumn::Play), button);
+    // The button goes to its place before the table shows it. Shown in the corner first, each of thousands would be due
+    // for painting, and each paint looks through all the others. (visualRect would lay the table out for each one.)
+    const int column = indexOf(FileColumn::Play);
+    button->setParent(fileTable->viewport());
+    button->move(fileTable->columnViewportPosition(column), fileTable->rowViewportPosition(row));
+    fileTable->setCellWidget(row, column, button);
 }
 
 void MetadataManagerWindow::onPlayFile(int row)

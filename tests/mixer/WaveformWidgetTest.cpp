@@ -361,6 +361,26 @@ TEST_F(WaveformFile, aResizePaintsTheSameBarsAtTheNewPitch)
     EXPECT_EQ(picture().pixelColor(220, 20), kGround);
 }
 
+TEST_F(WaveformFile, newBarsOfTheSameSizeArePaintedAnew)
+{
+    showMono(std::vector<int>(100, 16000));
+    ASSERT_NE(picture().pixelColor(100, 20), kGround);
+    waveform.generatePeaks(std::vector<float>(100, 0.0f), 0);
+    EXPECT_EQ(picture().pixelColor(100, 20), kGround);
+    showMono(std::vector<int>(100, 16000));
+    EXPECT_NE(picture().pixelColor(100, 20), kGround);
+}
+
+TEST_F(WaveformFile, thePlayheadLeavesNoTrace)
+{
+    showMono(std::vector<int>(100, 0));
+    const QImage before = picture();
+    waveform.setPlaybackPosition(0.5);
+    (void)picture();
+    waveform.setPlaybackPosition(0.0);
+    EXPECT_EQ(picture(), before);
+}
+
 TEST_F(WaveformFile, infiniteFloatsAreFlatAndHarmless)
 {
     std::string frames;
