@@ -106,9 +106,9 @@ std::string trackList(const Recording& recording)
     return text + "  </TRACK_LIST>\n";
 }
 
+// The start time stands in bext alone: one in the iXML would win over it, and a corrected one would not show.
 std::string ixmlPayload(const Recording& recording)
 {
-    const uint64_t reference = timeReference(recording);
     std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<BWFXML>\n";
     text += element("PROJECT", "The Long Field") + element("SCENE", recording.scene) + element("TAKE", recording.take)
         + element("TAPE", recording.tape) + element("NOTE", recording.note)
@@ -116,9 +116,7 @@ std::string ixmlPayload(const Recording& recording)
     if (recording.wildTrack)
         text += element("WILD_TRACK", "TRUE");
     text += "  <SPEED>\n" + element("TIMECODE_RATE", recording.timecodeRate) + element("TIMECODE_FLAG", "NDF")
-        + element("TIMESTAMP_SAMPLE_RATE", std::to_string(timestampRate(recording)))
-        + element("TIMESTAMP_SAMPLES_SINCE_MIDNIGHT_HI", std::to_string(reference >> 32))
-        + element("TIMESTAMP_SAMPLES_SINCE_MIDNIGHT_LO", std::to_string(reference & 0xFFFFFFFFu)) + "  </SPEED>\n";
+        + element("TIMESTAMP_SAMPLE_RATE", std::to_string(timestampRate(recording))) + "  </SPEED>\n";
     text += trackList(recording) + "</BWFXML>\n";
     text.resize(5000, ' ');
     return text;

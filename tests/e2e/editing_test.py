@@ -27,6 +27,7 @@ class Editing(WindowTest):
         self.assertIn("Metadata saved to 1 file(s)", self.window.save())
 
         self.assertEqual(self.window.cell(0, "SCENE"), "31C")
+        self.assertEqual(self.window.cell(0, "START TC"), "01:00:00:12")
         self.assertEqual(self.window.field("Scene:"), "31C")
         after = path.read_bytes()
         bext, _ = chunk(before, b"bext")

@@ -62,7 +62,7 @@ class Demonstration:
     def report(self):
         for kind in ("PDF", "CSV", "ALE"):
             path = self.folder / ("report." + kind.lower())
-            self.window.write_report(kind, str(path), before_saving=lambda: self.picture("8-report-" + kind.lower()))
+            self.window.write_report(kind, str(path), lambda: kind == "PDF" and self.picture("8-report"))
             self.made.append(path)
         subprocess.run(["pdftoppm", "-png", "-r", "80", "-f", "1", "-l", "1", "-singlefile",
                         str(self.folder / "report.pdf"), str(self.folder / "report-page-1")], check=True)
