@@ -111,6 +111,15 @@ TEST_F(AudioRateConverterTest, ratesAHundredthApartAreConverted)
     EXPECT_EQ(notes.outputRate, 48000.02);
 }
 
+TEST_F(AudioRateConverterTest, exactlyAHundredthApartIsNotBelowIt)
+{
+    const double inputRate = 0.01;
+    const double outputRate = 0.02;
+    ASSERT_EQ(outputRate - inputRate, 0.01);
+    EXPECT_TRUE(converter.setup(inputRate, outputRate));
+    EXPECT_EQ(notes.made, 1);
+}
+
 TEST_F(AudioRateConverterTest, ratesOfZeroOrLessAreRefusedAndLeaveAPassThrough)
 {
     const double bad[] = { 0.0, -48000.0, std::numeric_limits<double>::quiet_NaN() };

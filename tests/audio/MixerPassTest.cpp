@@ -211,6 +211,16 @@ TEST_F(MixerPassTest, aLouderBlockRaisesThePeakAtOnce)
     EXPECT_EQ(state->peaks[0], 0.75F);
 }
 
+TEST_F(MixerPassTest, aConvertedBlockHas1024FramesAtMost)
+{
+    open(makeFloatFile(folder, "slow.wav", 24000, 1, numberedSamples(20000)), 192000.0);
+    takeBlock();
+    takeBlock();
+    const uint32_t before = state->stereoWrite;
+    takeBlock();
+    EXPECT_EQ(state->stereoWrite - before, 1024U) << "256 file frames would be 2048";
+}
+
 TEST_F(MixerPassTest, convertedBlocksAreWrittenWithoutALookAtTheRoom)
 {
     openMono(60000, 192000.0);

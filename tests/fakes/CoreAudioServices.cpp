@@ -56,12 +56,11 @@ OSStatus AudioObjectGetPropertyData(AudioObjectID object, const AudioObjectPrope
     state.propertySizes.push_back(*size);
     const bool asksDevice = address->mSelector == kAudioHardwarePropertyDefaultOutputDevice;
     const OSStatus status = answer(asksDevice ? "get default device" : "get nominal rate");
-    if (status == 0) {
-        if (asksDevice)
-            std::memcpy(data, &state.device, sizeof(state.device));
-        else
-            std::memcpy(data, &state.rate, sizeof(state.rate));
-    }
+    // A rate is left behind even where the status says that it means nothing.
+    if (!asksDevice)
+        std::memcpy(data, &state.rate, sizeof(state.rate));
+    else if (status == 0)
+        std::memcpy(data, &state.device, sizeof(state.device));
     return status;
 }
 
