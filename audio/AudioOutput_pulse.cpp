@@ -96,7 +96,7 @@ void onDeadline(pa_mainloop_api* /*api*/, pa_time_event* /*event*/, const timeva
 
 // While connecting, libpulse complains on the error output about whatever it finds wrong in the user's set-up (a
 // runtime folder of somebody else, a damaged client.conf), and offers no way to have it silent. Nothing else uses that
-// output.
+// output. One at a time: two that overlap would restore the output in the wrong order.
 class SilentErrors {
 public:
     SilentErrors() : saved(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1))

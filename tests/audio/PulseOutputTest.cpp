@@ -93,6 +93,11 @@ protected:
     TagwellAudioPlayer player;
 };
 
+std::ptrdiff_t threadCount()
+{
+    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+}
+
 // Three tones far apart, none of them a divisor of the others or of a rate. Begins at its highest value, so that its
 // first frame isn't silence.
 double tones(double seconds)
@@ -299,6 +304,29 @@ TEST_F(PulseOutputTest, aServerThatNeverAnswersMakesOpenFalse)
     EXPECT_EQ(watch.printed(), "");
     EXPECT_FALSE(opened);
     ::close(listener);
+}
+
+TEST_F(PulseOutputTest, noThreadIsLeftOverWhetherOpenSucceedsOrNot)
+{
+    const std::string path = makeFloatFile(folder, "long.wav", 48000, 1, numberedSamples(96000));
+    const std::ptrdiff_t before = threadCount();
+    {
+        PulseServer server(48000);
+        ASSERT_TRUE(server.running());
+        server.useInThisProcess();
+        ASSERT_TRUE(player.open(path));
+        EXPECT_GE(threadCount(), before + 3) << "prefetch, mixer, output";
+        ASSERT_TRUE(player.play());
+        player.close();
+        // A joined thread leaves the list a moment later.
+        EXPECT_TRUE(comesTrue([&] { return threadCount() == before; }));
+        ASSERT_TRUE(player.open(path));
+        ASSERT_TRUE(player.play());
+    }
+    player.close();
+    EXPECT_TRUE(comesTrue([&] { return threadCount() == before; })) << "the server went first";
+    EXPECT_FALSE(player.open(path));
+    EXPECT_TRUE(comesTrue([&] { return threadCount() == before; })) << "there is no server";
 }
 
 TEST_F(PulseOutputTest, theOutputAnswersNeutrallyOutOfOrder)
