@@ -74,6 +74,11 @@ void decodeFrames(const uint8_t* in, int64_t frames, int32_t fileChannels, float
         return;
     }
     const int64_t stride = fileChannels * Sample::kBytes;
+    if (outChannels == 1) {
+        for (int64_t frame = 0; frame < frames; ++frame)
+            out[frame] = Sample::decode(in + frame * stride);
+        return;
+    }
     for (int64_t frame = 0; frame < frames; ++frame)
         decodeRun<Sample>(in + frame * stride, outChannels, out + frame * outChannels);
 }

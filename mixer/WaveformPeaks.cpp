@@ -50,16 +50,37 @@ void scaleToFullHeight(std::vector<WaveformPeak>& peaks)
 
 } // namespace
 
+WaveformPeakBuilder::WaveformPeakBuilder(size_t plannedSamples)
+    : planned(plannedSamples)
+    , perBar(std::max<size_t>(1, plannedSamples / kMostWaveformBars))
+    , peaks(std::min(plannedSamples, kMostWaveformBars))
+{
+}
+
+void WaveformPeakBuilder::add(const float* samples, size_t count)
+{
+    const size_t end = taken + count;
+    while (taken < end && taken / perBar < peaks.size()) {
+        WaveformPeak& bar = peaks[taken / perBar];
+        const size_t inBar = std::min(end - taken, perBar - taken % perBar);
+        const WaveformPeak part = peakOf(samples, inBar);
+        bar = {std::min(bar.first, part.first), std::max(bar.second, part.second)};
+        samples += inBar;
+        taken += inBar;
+    }
+    taken = end;
+}
+
+std::vector<WaveformPeak> WaveformPeakBuilder::scaledPeaks() const
+{
+    std::vector<WaveformPeak> scaled = peaks;
+    scaleToFullHeight(scaled);
+    return scaled;
+}
+
 std::vector<WaveformPeak> waveformPeaks(const std::vector<float>& samples)
 {
-    std::vector<WaveformPeak> peaks;
-    if (samples.empty())
-        return peaks;
-    const size_t bars = std::min(samples.size(), kMostWaveformBars);
-    const size_t perBar = samples.size() / bars;
-    peaks.reserve(bars);
-    for (size_t bar = 0; bar < bars; ++bar)
-        peaks.push_back(peakOf(samples.data() + bar * perBar, perBar));
-    scaleToFullHeight(peaks);
-    return peaks;
+    WaveformPeakBuilder builder(samples.size());
+    builder.add(samples.data(), samples.size());
+    return builder.scaledPeaks();
 }

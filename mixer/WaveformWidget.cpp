@@ -25,19 +25,18 @@ size_t framesToExpect(const WavFileReader& reader, const std::string& path)
     return static_cast<size_t>(std::min<qint64>(reader.getTotalFrames(), fileBytes / frameBytes));
 }
 
-/// The first channel, to the end of what is there. The reader decodes no more than that channel.
-std::vector<float> readFirstChannel(WavFileReader& reader, size_t expected)
+/// Hands the first channel to `take(samples, count)` block by block, from the start to the end of what is there. The
+/// reader decodes no more than that channel.
+template <typename Take>
+void readFirstChannel(WavFileReader& reader, Take take)
 {
-    std::vector<float> samples;
-    samples.reserve(expected);
     std::vector<float> block(kReadFrames);
     while (!reader.isAtEnd()) {
         const int32_t got = reader.readFrames(block.data(), kReadFrames, 1);
         if (got < 1)
             break;
-        samples.insert(samples.end(), block.begin(), block.begin() + got);
+        take(block.data(), static_cast<size_t>(got));
     }
-    return samples;
 }
 
 } // namespace
@@ -63,11 +62,28 @@ bool WaveformWidget::loadFile(const std::string& path)
     if (totalFrames < 1 || reader.getChannels() < 1)
         return false;
 
-    const std::vector<float> samples = readFirstChannel(reader, framesToExpect(reader, path));
-    reader.close();
-    generatePeaks(samples, static_cast<int>(kMostWaveformBars));
+    const size_t expected = framesToExpect(reader, path);
+    WaveformPeakBuilder builder(expected);
+    readFirstChannel(reader, [&builder](const float* block, size_t count) { builder.add(block, count); });
+    if (builder.complete())
+        peaks = builder.scaledPeaks();
+    else
+        loadAllSamples(path, expected);
     update();
     return true;
+}
+
+// A file shorter than it claims: how long the bars are shows only at its end. The failed read needs a new reader.
+void WaveformWidget::loadAllSamples(const std::string& path, size_t expected)
+{
+    WavFileReader reader;
+    std::vector<float> samples;
+    samples.reserve(expected);
+    if (reader.open(path)) {
+        readFirstChannel(reader,
+            [&samples](const float* block, size_t count) { samples.insert(samples.end(), block, block + count); });
+    }
+    generatePeaks(samples, static_cast<int>(kMostWaveformBars));
 }
 
 void WaveformWidget::clear()

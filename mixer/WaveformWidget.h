@@ -18,8 +18,9 @@ class WaveformWidget : public QWidget {
 public:
     explicit WaveformWidget(QWidget* parent = nullptr);
 
-    /// Shows the file at `path` (UTF-8). Reads it to its end before it returns; for that time the first channel is held
-    /// in memory, four bytes a frame. False if it can't be played or has no frames; the widget is then empty.
+    /// Shows the file at `path` (UTF-8). Reads it to its end before it returns. If it is shorter than it claims it is read
+    /// twice, and its first channel is held in memory meanwhile, four bytes a frame. False if it can't be played or has
+    /// no frames; the widget is then empty.
     bool loadFile(const std::string& path);
 
     /// Shows nothing.
@@ -49,6 +50,7 @@ protected:
     int32_t sampleRate = 48000; ///< Frames per second.
 
 private:
+    void loadAllSamples(const std::string& path, size_t expected);
     void drawBarsPicture(QSize pixels, qreal density);
     void paintBars(QPainter& painter) const;
     void paintLines(QPainter& painter) const;

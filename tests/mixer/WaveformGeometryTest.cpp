@@ -112,6 +112,36 @@ TEST(WaveformPeaks, agreeWithThePlainRuleForAnyLength)
     }
 }
 
+TEST(WaveformPeaks, comeOutTheSameInBlocksOfAnySize)
+{
+    std::mt19937 random(5);
+    std::uniform_real_distribution<float> level(-1.0f, 1.0f);
+    for (const size_t count : {1u, 999u, 1000u, 1999u, 4321u, 50000u}) {
+        std::vector<float> samples(count);
+        for (float& sample : samples)
+            sample = level(random);
+        for (const size_t block : {1u, 7u, 8192u}) {
+            WaveformPeakBuilder builder(count);
+            for (size_t start = 0; start < count; start += block)
+                builder.add(samples.data() + start, std::min(block, count - start));
+            EXPECT_TRUE(builder.complete());
+            EXPECT_EQ(builder.scaledPeaks(), waveformPeaks(samples)) << count << ' ' << block;
+        }
+    }
+}
+
+TEST(WaveformPeaks, areIncompleteWithFewerOrMoreSamplesThanPlanned)
+{
+    const std::vector<float> samples(2000, 0.5f);
+    WaveformPeakBuilder builder(1500);
+    builder.add(samples.data(), 1499);
+    EXPECT_FALSE(builder.complete());
+    builder.add(samples.data(), 1);
+    EXPECT_TRUE(builder.complete());
+    builder.add(samples.data(), 2000);
+    EXPECT_FALSE(builder.complete());
+}
+
 TEST(WaveformGeometry, barsLieAtTheirPitch)
 {
     const WaveformGeometry geometry {1000, 100, 500};
