@@ -42,7 +42,7 @@ endfunction()
 # One executable out of <Name>.cpp, one CTest entry for each test in it, under the label given first.
 # With QT the executable gets a QApplication on the offscreen platform, and any Qt warning fails the test.
 function(tagwell_test label name)
-  cmake_parse_arguments(ARG "QT" "" "LINK;SOURCES;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(ARG "QT" "" "LINK;SOURCES" ${ARGN})
   add_executable(${name} ${name}.cpp ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE tagwell_build_options tagwell_test_support ${ARG_LINK} GTest::gtest)
   if(ARG_QT)
@@ -51,11 +51,8 @@ function(tagwell_test label name)
   else()
     target_link_libraries(${name} PRIVATE GTest::gtest_main)
   endif()
-  set(environment QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8
-    "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0"
-    ${ARG_ENVIRONMENT})
   gtest_discover_tests(${name} TEST_PREFIX "${label}." DISCOVERY_TIMEOUT 120
-    PROPERTIES LABELS ${label} TIMEOUT 600 ENVIRONMENT "${environment}")
+    PROPERTIES LABELS ${label} TIMEOUT 600)
 endfunction()
 
 # tagwell_bench(readMetadata LINK libs ...): a Google Benchmark executable bench_<name> out of <name>.cpp.
