@@ -11,24 +11,21 @@ namespace {
 const char* const kHeader = "File Number,Filename,Scene,Take,Timecode In,Timecode Out,Duration,Sample Rate,Bit Depth,"
                             "Frame Rate,Track Count,Track Names,Notes\n";
 
-QString field(const QString& value)
+QString escaped(const std::string& value)
 {
-    return SoundReportDialog::escapeCSV(value) + QLatin1Char(',');
-}
-
-QString field(const std::string& value)
-{
-    return field(QString::fromStdString(value));
+    return SoundReportDialog::escapeCSV(QString::fromStdString(value));
 }
 
 void writeLine(QTextStream& out, const TakeInfo& take)
 {
-    out << field(take.fileNumber) << field(take.filename) << field(take.scene) << field(take.take)
-        << field(take.timecodeIn) << field(take.timecodeOut)
-        << field(SoundReportDialog::formatDuration(take.duration, take.frameRate)) << take.sampleRate << ','
-        << take.bitDepth << ',' << field(SoundReportDialog::formatFramerate(take.frameRate)) << take.tracks.size()
-        << ',' << field(joinedTracks(take, QStringLiteral("; ")))
-        << SoundReportDialog::escapeCSV(QString::fromStdString(take.notes)) << '\n';
+    for (const std::string* text :
+        { &take.fileNumber, &take.filename, &take.scene, &take.take, &take.timecodeIn, &take.timecodeOut })
+        out << escaped(*text) << ',';
+    out << SoundReportDialog::escapeCSV(SoundReportDialog::formatDuration(take.duration, take.frameRate)) << ','
+        << take.sampleRate << ',' << take.bitDepth << ','
+        << SoundReportDialog::escapeCSV(SoundReportDialog::formatFramerate(take.frameRate)) << ',' << take.tracks.size()
+        << ',' << SoundReportDialog::escapeCSV(joinedTracks(take, QStringLiteral("; "))) << ',' << escaped(take.notes)
+        << '\n';
 }
 
 } // namespace
