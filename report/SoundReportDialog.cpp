@@ -195,6 +195,9 @@ QGroupBox* SoundReportDialog::buildDetailsGroup()
         row.label->setTextFormat(Qt::PlainText);
         detailsLayout->addRow(QLatin1String(row.caption), row.label);
     }
+    // The two texts that outgrow the pane in practice: eight track names, a long note.
+    tracksLabel->setWordWrap(true);
+    notesLabel->setWordWrap(true);
     return detailsGroup;
 }
 
