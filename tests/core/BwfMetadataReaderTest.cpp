@@ -23,6 +23,16 @@ protected:
         return BwfMetadataReader::readMetadata(folder.file(name));
     }
     BwfMetadata read(const WavBuilder& file) { return read(file.bytes()); }
+    /// The record of a sparse file whose first chunk has `size` bytes, "<SCENE>near</SCENE>" first, and `chunks` behind
+    /// it.
+    BwfMetadata readBehind(uint32_t size, const std::string& chunks)
+    {
+        const std::string path = folder.file("far.wav");
+        WavBuilder().chunk("big ", "<SCENE>near</SCENE>").claimSize("big ", size).write(path);
+        std::filesystem::resize_file(path, uint64_t{ 20 } + size);
+        std::ofstream(path, std::ios::binary | std::ios::app) << chunks;
+        return BwfMetadataReader::readMetadata(path);
+    }
 
     TempFolder folder;
 };
@@ -215,6 +225,21 @@ TEST_F(ReadMetadata, rf64WithMetadataInFrontOfAPlaceholderIsReadWhole)
     EXPECT_EQ(record.originator, "Recorder");
     EXPECT_EQ(record.duration, 100.0 / 48000.0);
     EXPECT_TRUE(record.isRF64);
+}
+
+// The positions of chunks behind 4 GB are cut to 32 bits. That of `bext` is cut eight bytes early, at its header, so a
+// chunk whose header still lies in front of that border is read where it stands.
+TEST_F(ReadMetadata, bextThatBeginsJustInFrontOfFourGigabytesIsReadThere)
+{
+    EXPECT_EQ(readBehind(0xFFFFFFE8u, WavBuilder().bext(fullBext()).bytes().substr(12)).originator, "Recorder");
+}
+
+TEST_F(ReadMetadata, chunksBehindFourGigabytesAreReadAtTheirPositionsCutTo32Bits)
+{
+    const std::string bext = "bext" + le32(602) + std::string(602, 'x');
+    EXPECT_EQ(readBehind(0xFFFFFFF8u, bext).description.substr(0, 4), "<SCE");
+    const std::string ixml = "iXML" + le32(24) + "<SCENE>far</SCENE>      ";
+    EXPECT_EQ(readBehind(0xFFFFFFF8u, ixml).scene, "near");
 }
 
 TEST_F(ReadMetadata, rf64WithMetadataBehindAPlaceholderIsNotFound)

@@ -427,6 +427,37 @@ TEST(DescriptionFallback, fillsWhatTheXmlLeftEmpty)
     EXPECT_EQ(record.ubits, "00112233");
 }
 
+// Each element missing from an otherwise complete text: the lines of the Description give that one alone.
+TEST(DescriptionFallback, fillsAnyOneThatIsMissingFromACompleteText)
+{
+    const std::string description = "TS=2\nTAPE=d\nSCENE=d\nTAKE=d\nNOTE=d\nSPEED=30\nTRK1=d";
+    const std::string texts[]
+        = { "<SCENE>x</SCENE>", "<TAPE>x</TAPE>", "<TAKE>x</TAKE>", "<NOTE>x</NOTE>", "<UBITS>1</UBITS>",
+              speed("<TIMESTAMP_SAMPLE_RATE>44100</TIMESTAMP_SAMPLE_RATE>"
+                    "<TIMECODE_RATE>25</TIMECODE_RATE>"),
+              list("<TRACK><NAME>x</NAME></TRACK>") };
+    const auto said = [](const BwfMetadata& record) {
+        return record.scene + record.tape + record.take + record.note + " " + record.ubits + " "
+            + std::to_string(record.timestampSampleRate) + " " + std::to_string(static_cast<int>(record.frameRate))
+            + " " + trackText(record);
+    };
+    const auto without = [&](size_t missing, const std::string& instead = "") {
+        std::string text;
+        for (size_t i = 0; i < std::size(texts); ++i)
+            text += i == missing ? instead : texts[i];
+        return said(parse(text, described(description)));
+    };
+    EXPECT_EQ(without(std::size(texts)), "xxxx $1 44100 25 1:x/ ");
+    EXPECT_EQ(without(0), "dxxx $1 44100 25 1:x/ ");
+    EXPECT_EQ(without(1), "xdxx $1 44100 25 1:x/ ");
+    EXPECT_EQ(without(2), "xxdx $1 44100 25 1:x/ ");
+    EXPECT_EQ(without(3), "xxxd $1 44100 25 1:x/ ");
+    EXPECT_EQ(without(4), "xxxx 2 44100 25 1:x/ ");
+    EXPECT_EQ(without(5, rate("25")), "xxxx $1 48000 25 1:x/ ");
+    EXPECT_EQ(without(5, speed("<TIMESTAMP_SAMPLE_RATE>44100</TIMESTAMP_SAMPLE_RATE>")), "xxxx $1 44100 30 1:x/ ");
+    EXPECT_EQ(without(6), "xxxx $1 44100 25 1:d/ ");
+}
+
 TEST(DescriptionFallback, userBitsOfTheXmlGoFirst)
 {
     EXPECT_EQ(parse("<UBITS>1</UBITS>", described("TS=2")).ubits, "$1");
