@@ -1,74 +1,15 @@
 #include "audio/SampleDecode.h"
 
+#include "audio/WideDecode.h"
+
+#include "tests/audio/DecodeChecks.h"
+
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <cmath>
-#include <random>
 #include <vector>
 
 namespace {
-
-struct Format {
-    int32_t code;
-    int32_t bits;
-};
-
-constexpr Format kFormats[] = {
-    {kFormatInteger, 16},
-    {kFormatInteger, 24},
-    {kFormatInteger, 32},
-    {kFormatFloat, 32},
-};
-
-constexpr int32_t kChannelCounts[] = {1, 2, 3, 5, 6, 7, 8, 31, 64};
-
-// The rule in its plainest form: assemble the number, convert to single precision, multiply in single precision.
-float expectedSample(const uint8_t* bytes, Format format)
-{
-    const int width = format.bits / 8;
-    int64_t number = 0;
-    for (int i = 0; i < width; ++i)
-        number += static_cast<int64_t>(bytes[i]) << (8 * i);
-    if (format.code == kFormatFloat)
-        return std::bit_cast<float>(static_cast<uint32_t>(number));
-    if (number >= int64_t{1} << (format.bits - 1))
-        number -= int64_t{1} << format.bits;
-    const float factor = static_cast<float>(std::ldexp(1.0, 1 - format.bits));
-    return static_cast<float>(number) * factor;
-}
-
-// Exactly as many bytes as the frames take, so that the address sanitizer sees any read beyond them.
-std::vector<uint8_t> randomBytes(size_t size, uint32_t seed)
-{
-    std::mt19937 random(seed);
-    std::vector<uint8_t> bytes(size);
-    for (uint8_t& each : bytes)
-        each = static_cast<uint8_t>(random() & 0xFF);
-    return bytes;
-}
-
-void expectSameBits(float actual, float expected)
-{
-    ASSERT_EQ(std::bit_cast<uint32_t>(actual), std::bit_cast<uint32_t>(expected));
-}
-
-void checkLoop(Format format, int64_t frames, int32_t fileChannels, int32_t outChannels)
-{
-    SCOPED_TRACE(testing::Message() << "format " << format.code << ", " << format.bits << " bits, " << frames << " frames, "
-                                    << outChannels << " of " << fileChannels << " channels");
-    const int64_t width = format.bits / 8;
-    const std::vector<uint8_t> in = randomBytes(static_cast<size_t>(frames * fileChannels * width), 7);
-    std::vector<float> out(static_cast<size_t>(frames * outChannels));
-    frameDecoder(format.code, format.bits)(in.data(), frames, fileChannels, out.data(), outChannels);
-    for (int64_t frame = 0; frame < frames; ++frame) {
-        for (int32_t channel = 0; channel < outChannels; ++channel) {
-            const uint8_t* bytes = in.data() + (frame * fileChannels + channel) * width;
-            expectSameBits(out[static_cast<size_t>(frame * outChannels + channel)], expectedSample(bytes, format));
-            expectSameBits(decodeSample(bytes, format.code, format.bits), expectedSample(bytes, format));
-        }
-    }
-}
 
 float decoded(std::vector<uint8_t> bytes, int32_t code, int32_t bits) { return decodeSample(bytes.data(), code, bits); }
 
@@ -97,6 +38,25 @@ TEST(SampleDecode, everyShortRunIsDecodedToItsEnd)
     for (const Format format : kFormats) {
         for (int64_t frames = 0; frames < 40; ++frames)
             checkLoop(format, frames, 1, 1);
+    }
+}
+
+TEST(SampleDecode, everyPackedValueIsDecodedExactly) { checkEveryPackedValue(); }
+
+TEST(SampleDecode, wideWayTakesAllButFewerThanEightSamplesWhereTheProcessorHasIt)
+{
+#if defined(__linux__) && defined(__x86_64__)
+    const bool available = __builtin_cpu_supports("avx2") != 0;
+#else
+    const bool available = decodeWide24(randomBytes(24, 5).data(), 8, std::vector<float>(8).data()) != 0;
+#endif
+    const std::vector<uint8_t> in = randomBytes(3 * 40, 5);
+    for (int64_t samples = 0; samples <= 40; ++samples) {
+        std::vector<float> out(40, -99.0f);
+        const int64_t done = decodeWide24(in.data(), samples, out.data());
+        EXPECT_EQ(done, available ? samples - samples % 8 : 0);
+        for (size_t i = static_cast<size_t>(done); i < out.size(); ++i)
+            ASSERT_EQ(out[i], -99.0f) << "wrote behind its last sample";
     }
 }
 
