@@ -227,6 +227,17 @@ TEST_F(PrefetchRingTest, pendingSeekGivesNothingAndTouchesNothing)
     EXPECT_EQ(producer->generation(), 0u);
 }
 
+TEST_F(PrefetchRingTest, pendingSeekToTheFirstFrameGivesNothingEither)
+{
+    start(1000);
+    producer->pass();
+    expectFrames(0, 10);
+    reader.setPosition(0);
+    EXPECT_TRUE(read(4).empty());
+    EXPECT_EQ(reader.getPosition(), 0);
+    EXPECT_EQ(producer->readIndex(), 10u);
+}
+
 TEST_F(PrefetchRingTest, positionJumpsWithTheRequest)
 {
     start(1000);
