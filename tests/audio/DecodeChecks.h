@@ -18,13 +18,13 @@ struct Format {
 };
 
 inline constexpr Format kFormats[] = {
-    {kFormatInteger, 16},
-    {kFormatInteger, 24},
-    {kFormatInteger, 32},
-    {kFormatFloat, 32},
+    { kFormatInteger, 16 },
+    { kFormatInteger, 24 },
+    { kFormatInteger, 32 },
+    { kFormatFloat, 32 },
 };
 
-inline constexpr int32_t kChannelCounts[] = {1, 2, 3, 5, 6, 7, 8, 31, 64};
+inline constexpr int32_t kChannelCounts[] = { 1, 2, 3, 5, 6, 7, 8, 31, 64 };
 
 /// The rule in its plainest form: assemble the number, convert to single precision, multiply in single precision.
 inline float expectedSample(const uint8_t* bytes, Format format)
@@ -35,8 +35,8 @@ inline float expectedSample(const uint8_t* bytes, Format format)
         number += static_cast<int64_t>(bytes[i]) << (8 * i);
     if (format.code == kFormatFloat)
         return std::bit_cast<float>(static_cast<uint32_t>(number));
-    if (number >= int64_t{1} << (format.bits - 1))
-        number -= int64_t{1} << format.bits;
+    if (number >= int64_t{ 1 } << (format.bits - 1))
+        number -= int64_t{ 1 } << format.bits;
     const float factor = static_cast<float>(std::ldexp(1.0, 1 - format.bits));
     return static_cast<float>(number) * factor;
 }
@@ -56,11 +56,12 @@ inline void expectSameBits(float actual, float expected)
     ASSERT_EQ(std::bit_cast<uint32_t>(actual), std::bit_cast<uint32_t>(expected));
 }
 
-/// Random bytes through the loop of `format` give what the rule gives, bit for bit, and so does the rule for one sample.
+/// Random bytes through the loop of `format` give what the rule gives, bit for bit, and so does the rule for one
+/// sample.
 inline void checkLoop(Format format, int64_t frames, int32_t fileChannels, int32_t outChannels)
 {
-    SCOPED_TRACE(testing::Message() << "format " << format.code << ", " << format.bits << " bits, " << frames << " frames, "
-                                    << outChannels << " of " << fileChannels << " channels");
+    SCOPED_TRACE(testing::Message() << "format " << format.code << ", " << format.bits << " bits, " << frames
+                                    << " frames, " << outChannels << " of " << fileChannels << " channels");
     const int64_t width = format.bits / 8;
     const std::vector<uint8_t> in = randomBytes(static_cast<size_t>(frames * fileChannels * width), 7);
     std::vector<float> out(static_cast<size_t>(frames * outChannels));

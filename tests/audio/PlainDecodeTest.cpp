@@ -24,4 +24,7 @@ TEST(PlainDecode, loopsOverAllChannelsFollowTheSampleRule)
     }
 }
 
-TEST(PlainDecode, everyPackedValueIsDecodedExactly) { checkEveryPackedValue(); }
+TEST(PlainDecode, everyPackedValueIsDecodedExactly)
+{
+    checkEveryPackedValue();
+}

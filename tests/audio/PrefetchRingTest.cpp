@@ -60,7 +60,7 @@ protected:
 
 TEST_F(PrefetchRingTest, ringKeepsAllChannelsForZeroOrTooMany)
 {
-    for (const int32_t wanted : {0, -1, 7, 1000}) {
+    for (const int32_t wanted : { 0, -1, 7, 1000 }) {
         start(10, 6, wanted);
         EXPECT_EQ(producer->ringChannels(), 6) << wanted;
         EXPECT_EQ(producer->ringSamples(), 6u * kRing);
@@ -73,18 +73,18 @@ TEST_F(PrefetchRingTest, channelsThatTheRingDoesNotKeepComeOutSilent)
     start(10, 6, 2);
     EXPECT_EQ(producer->ringChannels(), 2);
     producer->pass();
-    EXPECT_EQ(read(2, 6), (std::vector<float>{0, 1, 0, 0, 0, 0, 6, 7, 0, 0, 0, 0}));
-    EXPECT_EQ(read(2, 1), (std::vector<float>{12, 18}));
-    EXPECT_EQ(read(2, 2), (std::vector<float>{24, 25, 30, 31}));
-    EXPECT_EQ(read(2, 3), (std::vector<float>{36, 37, 0, 42, 43, 0}));
+    EXPECT_EQ(read(2, 6), (std::vector<float>{ 0, 1, 0, 0, 0, 0, 6, 7, 0, 0, 0, 0 }));
+    EXPECT_EQ(read(2, 1), (std::vector<float>{ 12, 18 }));
+    EXPECT_EQ(read(2, 2), (std::vector<float>{ 24, 25, 30, 31 }));
+    EXPECT_EQ(read(2, 3), (std::vector<float>{ 36, 37, 0, 42, 43, 0 }));
 }
 
 TEST_F(PrefetchRingTest, channelCountsOutsideTheFileMeanAllChannels)
 {
     start(10, 3);
     producer->pass();
-    EXPECT_EQ(read(1, 0), (std::vector<float>{0, 1, 2}));
-    EXPECT_EQ(read(1, 4), (std::vector<float>{3, 4, 5}));
+    EXPECT_EQ(read(1, 0), (std::vector<float>{ 0, 1, 2 }));
+    EXPECT_EQ(read(1, 4), (std::vector<float>{ 3, 4, 5 }));
 }
 
 TEST_F(PrefetchRingTest, emptyRingGivesNothingAndLeavesThePosition)
@@ -171,7 +171,7 @@ TEST_F(PrefetchRingTest, framesGoThroughTheRingManyTimesOver)
 
 TEST_F(PrefetchRingTest, blockAcrossTheWrapLandsOnBothSides)
 {
-    for (const int32_t maxChannels : {0, 2}) {
+    for (const int32_t maxChannels : { 0, 2 }) {
         start(2 * kRing, 3, maxChannels);
         // A short block at the file's end shifts all later blocks against the ring.
         reader.setPosition(2 * kRing - 100);
@@ -196,8 +196,8 @@ TEST_F(PrefetchRingTest, blockAcrossTheWrapLandsOnBothSides)
 
 TEST_F(PrefetchRingTest, everyStoredFormatGoesThroughTheRing)
 {
-    for (const uint16_t bits : {uint16_t{16}, uint16_t{24}, uint16_t{32}}) {
-        for (const uint16_t count : {uint16_t{1}, uint16_t{5}, uint16_t{64}}) {
+    for (const uint16_t bits : { uint16_t{ 16 }, uint16_t{ 24 }, uint16_t{ 32 } }) {
+        for (const uint16_t count : { uint16_t{ 1 }, uint16_t{ 5 }, uint16_t{ 64 } }) {
             WavBuilder().fmt(48000, count, bits).dataFrames(kBlock + 7).write(path);
             channels = count;
             WavFileReader direct;
@@ -220,7 +220,7 @@ TEST_F(PrefetchRingTest, pendingSeekGivesNothingAndTouchesNothing)
     producer->pass();
     expectFrames(0, 10);
     reader.setPosition(500);
-    float out[4] = {7, 7, 7, 7};
+    float out[4] = { 7, 7, 7, 7 };
     EXPECT_EQ(reader.readFrames(out, 4, 1), 0);
     EXPECT_EQ(out[0], 7.0f);
     EXPECT_EQ(producer->readIndex(), 10u);
@@ -381,12 +381,18 @@ TEST_F(PrefetchRingTest, fileThatShrinksAndGrowsWhilePlayingIsReadOnWhereItStood
 
 TEST_F(PrefetchRingTest, dataSizeNearTheLimitOfItsFieldIsPlayedAsFarAsTheFileGoes)
 {
-    WavBuilder::rf64().ds64(0xFFFFFFFFFFFFFFFF).fmt(48000, 1, 32, 3).data(numberedFloats(10, 1)).claimSize("data", 0xFFFFFFFF).write(path);
+    WavBuilder::rf64()
+        .ds64(0xFFFFFFFFFFFFFFFF)
+        .fmt(48000, 1, 32, 3)
+        .data(numberedFloats(10, 1))
+        .claimSize("data", 0xFFFFFFFF)
+        .write(path);
     ASSERT_TRUE(reader.open(path));
     producer = std::make_unique<PrefetchStepper>(reader);
     EXPECT_TRUE(producer->pass());
     expectFrames(0, 10);
-    for (const int64_t frame : {reader.getTotalFrames() - 1, reader.getTotalFrames() / 2, reader.getTotalFrames() / 2 - 100}) {
+    for (const int64_t frame :
+        { reader.getTotalFrames() - 1, reader.getTotalFrames() / 2, reader.getTotalFrames() / 2 - 100 }) {
         reader.setPosition(frame);
         EXPECT_FALSE(producer->pass());
         EXPECT_EQ(reader.getPosition(), frame);

@@ -11,7 +11,10 @@
 
 namespace {
 
-float decoded(std::vector<uint8_t> bytes, int32_t code, int32_t bits) { return decodeSample(bytes.data(), code, bits); }
+float decoded(std::vector<uint8_t> bytes, int32_t code, int32_t bits)
+{
+    return decodeSample(bytes.data(), code, bits);
+}
 
 } // namespace
 
@@ -41,7 +44,10 @@ TEST(SampleDecode, everyShortRunIsDecodedToItsEnd)
     }
 }
 
-TEST(SampleDecode, everyPackedValueIsDecodedExactly) { checkEveryPackedValue(); }
+TEST(SampleDecode, everyPackedValueIsDecodedExactly)
+{
+    checkEveryPackedValue();
+}
 
 TEST(SampleDecode, wideWayTakesAllButFewerThanEightSamplesWhereTheProcessorHasIt)
 {
@@ -62,30 +68,30 @@ TEST(SampleDecode, wideWayTakesAllButFewerThanEightSamplesWhereTheProcessorHasIt
 
 TEST(SampleDecode, negativeFullScaleIsExactlyMinusOne)
 {
-    EXPECT_EQ(decoded({0x00, 0x80}, kFormatInteger, 16), -1.0f);
-    EXPECT_EQ(decoded({0x00, 0x00, 0x80}, kFormatInteger, 24), -1.0f);
-    EXPECT_EQ(decoded({0x00, 0x00, 0x00, 0x80}, kFormatInteger, 32), -1.0f);
+    EXPECT_EQ(decoded({ 0x00, 0x80 }, kFormatInteger, 16), -1.0f);
+    EXPECT_EQ(decoded({ 0x00, 0x00, 0x80 }, kFormatInteger, 24), -1.0f);
+    EXPECT_EQ(decoded({ 0x00, 0x00, 0x00, 0x80 }, kFormatInteger, 32), -1.0f);
 }
 
 TEST(SampleDecode, positiveFullScaleIsALittleUnderOneWhereSinglePrecisionCanTell)
 {
-    EXPECT_EQ(decoded({0xFF, 0x7F}, kFormatInteger, 16), 32767.0f / 32768.0f);
-    EXPECT_EQ(decoded({0xFF, 0xFF, 0x7F}, kFormatInteger, 24), 8388607.0f / 8388608.0f);
+    EXPECT_EQ(decoded({ 0xFF, 0x7F }, kFormatInteger, 16), 32767.0f / 32768.0f);
+    EXPECT_EQ(decoded({ 0xFF, 0xFF, 0x7F }, kFormatInteger, 24), 8388607.0f / 8388608.0f);
     // 2147483647 rounds to 2147483648 in single precision, before the factor.
-    EXPECT_EQ(decoded({0xFF, 0xFF, 0xFF, 0x7F}, kFormatInteger, 32), 1.0f);
+    EXPECT_EQ(decoded({ 0xFF, 0xFF, 0xFF, 0x7F }, kFormatInteger, 32), 1.0f);
 }
 
 TEST(SampleDecode, smallestStepsAreThePowersOfTwo)
 {
-    EXPECT_EQ(decoded({0x01, 0x00}, kFormatInteger, 16), 3.0517578e-5f);
-    EXPECT_EQ(decoded({0x01, 0x00, 0x00}, kFormatInteger, 24), 1.1920929e-7f);
-    EXPECT_EQ(decoded({0x01, 0x00, 0x00, 0x00}, kFormatInteger, 32), 4.656613e-10f);
-    EXPECT_EQ(decoded({0xFF, 0xFF, 0xFF}, kFormatInteger, 24), -1.1920929e-7f);
+    EXPECT_EQ(decoded({ 0x01, 0x00 }, kFormatInteger, 16), 3.0517578e-5f);
+    EXPECT_EQ(decoded({ 0x01, 0x00, 0x00 }, kFormatInteger, 24), 1.1920929e-7f);
+    EXPECT_EQ(decoded({ 0x01, 0x00, 0x00, 0x00 }, kFormatInteger, 32), 4.656613e-10f);
+    EXPECT_EQ(decoded({ 0xFF, 0xFF, 0xFF }, kFormatInteger, 24), -1.1920929e-7f);
 }
 
 TEST(SampleDecode, floatsBeyondFullScaleAndOddOnesPassUnchanged)
 {
-    for (const uint32_t bits : {0x40800000u, 0xC1200000u, 0x7F800000u, 0x7FC00123u, 0x80000000u, 0x00000001u}) {
+    for (const uint32_t bits : { 0x40800000u, 0xC1200000u, 0x7F800000u, 0x7FC00123u, 0x80000000u, 0x00000001u }) {
         uint8_t bytes[4];
         for (int i = 0; i < 4; ++i)
             bytes[i] = static_cast<uint8_t>(bits >> (8 * i));
@@ -98,7 +104,8 @@ TEST(SampleDecode, floatsBeyondFullScaleAndOddOnesPassUnchanged)
 TEST(SampleDecode, unknownFormatsGiveSilence)
 {
     const std::vector<uint8_t> in(64, 0x55);
-    for (const Format format : {Format{kFormatInteger, 8}, Format{kFormatInteger, 0}, Format{kFormatFloat, 64}, Format{2, 16}}) {
+    for (const Format format :
+        { Format{ kFormatInteger, 8 }, Format{ kFormatInteger, 0 }, Format{ kFormatFloat, 64 }, Format{ 2, 16 } }) {
         std::vector<float> out(8, 9.0f);
         frameDecoder(format.code, format.bits)(in.data(), 4, 2, out.data(), 2);
         EXPECT_EQ(out, std::vector<float>(8, 0.0f));
@@ -109,7 +116,7 @@ TEST(SampleDecode, unknownFormatsGiveSilence)
 
 TEST(SampleDecode, narrowFloatsAreTakenAsFourOverlappingBytes)
 {
-    const std::vector<uint8_t> in = {0x00, 0x00, 0x80, 0x3F, 0x00, 0x40, 0x00, 0x00};
+    const std::vector<uint8_t> in = { 0x00, 0x00, 0x80, 0x3F, 0x00, 0x40, 0x00, 0x00 };
     std::vector<float> out(2);
     frameDecoder(kFormatFloat, 16)(in.data(), 2, 1, out.data(), 1);
     EXPECT_EQ(out[0], 1.0f);
