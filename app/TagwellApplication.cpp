@@ -3,7 +3,6 @@
 #include "app/WavArguments.h"
 #include "window/MetadataManagerWindow.h"
 
-#include <QFileInfo>
 #include <QFileOpenEvent>
 
 TagwellApplication::~TagwellApplication() = default;

@@ -1,7 +1,8 @@
 // The main function of every widget test: a QApplication without a display, a home folder of its own, and no
 // tolerance for Qt's warnings.
 
-#include <QApplication>
+#include "tests/support/TestApplication.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QTemporaryDir>
@@ -47,6 +48,6 @@ int main(int argc, char** argv)
     qputenv("HOME", home.path().toUtf8());
     qputenv("XDG_RUNTIME_DIR", home.path().toUtf8());
     qInstallMessageHandler(failOnWarning);
-    QApplication application(argc, argv);
+    const std::unique_ptr<QApplication> application = makeTestApplication(argc, argv);
     return RUN_ALL_TESTS();
 }
