@@ -18,6 +18,14 @@ gi.require_version("Atspi", "2.0")
 
 WAIT_SECONDS = 30.0
 
+# Roles that newer versions of the accessibility library name differently, by the name that is used here.
+OLDER_ROLE_NAMES = {"button": "push button"}
+
+
+def role_of(node):
+    name = node.get_role_name()
+    return OLDER_ROLE_NAMES.get(name, name)
+
 
 class NotFound(AssertionError):
     """A widget, a text or a state that did not come in time."""
@@ -164,7 +172,7 @@ class Desktop:
         roots = [within] if within is not None else list(self._applications())
         for root in roots:
             for node in self._walk(root, 30):
-                if role is not None and node.get_role_name() != role:
+                if role is not None and role_of(node) != role:
                     continue
                 if name is not None and node.get_name() != name:
                     continue
@@ -211,7 +219,7 @@ class Desktop:
         """The widgets as text, for a failing test's message."""
         lines = []
         def show(node, depth):
-            lines.append("%s%s %r" % ("  " * depth, node.get_role_name(), node.get_name()))
+            lines.append("%s%s %r" % ("  " * depth, role_of(node), node.get_name()))
             children = (node.get_child_at_index(index) for index in range(min(node.get_child_count(), 60)))
             for child in children:
                 if child is not None:
