@@ -266,6 +266,8 @@ TEST(IxmlSpeed, denominatorOf1001GivesThePulledRate)
     EXPECT_EQ(record.frameRate, 24000.0 / 1001.0);
     EXPECT_EQ(record.timestampSampleRate, 48048u);
     EXPECT_EQ(parse(rate("24000/1001")).timestampSampleRate, 0u); // No rate to pull.
+    for (const char* other : { "24000/1000", "24000/1002", "24000/1001.5" })
+        EXPECT_EQ(parse(rate(other), at48k()).timestampSampleRate, 0u) << other;
 }
 
 TEST(IxmlSpeed, timestampRateOfTheFileGoesBeforeThePulledOne)
@@ -306,6 +308,7 @@ TEST(IxmlBext, blockNeedsBothEnds)
     EXPECT_EQ(parse("<BEXT>" + time + "</Bext>").timeReference, 9u);
     EXPECT_EQ(parse("<bext>" + time + "</bext>").timeReference, 0u);
     EXPECT_EQ(parse("<BEXT></BEXT>" + time).timeReference, 0u);
+    EXPECT_EQ(parse("</BEXT><BEXT>" + time + "</BEXT>").timeReference, 9u);
 }
 
 TEST(IxmlBext, timeFillsAnEmptyFieldAlone)
@@ -376,6 +379,7 @@ TEST(IxmlTracks, listNeedsBothEndsInEitherSpelling)
     EXPECT_EQ(trackText(parse("<TrackList>" + track + "</TrackList>")), "1:A/ ");
     EXPECT_EQ(trackText(parse("<TRACK_LIST>" + track + "</TrackList>")), "1:A/ ");
     EXPECT_EQ(trackText(parse("<track_list>" + track + "</track_list>")), "");
+    EXPECT_EQ(trackText(parse("</TRACK_LIST><TRACK_LIST>" + track + "</TRACK_LIST>")), "1:A/ ");
 }
 
 TEST(IxmlTracks, onlyTheUpperCaseTrackTagCounts)
