@@ -310,6 +310,14 @@ TEST_F(IxmlEditTest, nameAndFunctionOfAListedTrackAreReplacedTogether)
         trackXml("1", "<NAME>B</NAME><FUNCTION>F</FUNCTION>"));
 }
 
+TEST_F(IxmlEditTest, changedFunctionAloneIsWrittenAndTheNameWithIt)
+{
+    current.tracks = {{1, "A", "F"}};
+    updated.tracks = {{1, "A", "G"}};
+    expectEdit(trackXml("1", "<NAME>X</NAME><FUNCTION>F</FUNCTION>"),
+        trackXml("1", "<NAME>A</NAME><FUNCTION>G</FUNCTION>"));
+}
+
 TEST_F(IxmlEditTest, emptyNameAndFunctionAreWritten)
 {
     current.tracks = {{1, "A", "F"}};

@@ -173,6 +173,53 @@ TEST_F(WriterTest, trackBeyondTheFilesListCountsAsChanged)
     EXPECT_EQ(proof->patchedExactly({ixmlText(replaced(kIxml, "<NAME>Boom<", "<NAME>Lav_<"))}), "");
 }
 
+TEST_F(WriterTest, eachTextFieldAloneReachesTheDescriptionAndTheIxml)
+{
+    struct Field {
+        std::string BwfMetadata::* member;
+        std::string line;
+        std::string element;
+        std::string value; // As long as the old one.
+    };
+    const Field fields[] = {
+        {&BwfMetadata::scene, "aSCENE=12", "<SCENE>12", "99"},
+        {&BwfMetadata::take, "aTAKE=3", "<TAKE>3", "9"},
+        {&BwfMetadata::tape, "aTAPE=T1", "<TAPE>T1", "T9"},
+        {&BwfMetadata::note, "aNOTE=wind", "<NOTE>wind", "rain"},
+        {&BwfMetadata::project, "aTAG=Film", "<PROJECT>Film", "Movi"},
+    };
+    for (const Field& each : fields) {
+        makeUsual();
+        updated.*each.member = each.value;
+        EXPECT_TRUE(save()) << each.element;
+        const auto withValue = [&](const std::string& old) {
+            return old.substr(0, old.size() - each.value.size()) + each.value;
+        };
+        EXPECT_EQ(proof->patchedExactly({description(replaced(kDescriptionText, each.line, withValue(each.line))),
+                      ixmlText(replaced(kIxml, each.element, withValue(each.element)))}),
+            "") << each.element;
+    }
+}
+
+TEST_F(WriterTest, wildTrackAloneReachesTheIxml)
+{
+    const std::string element = "<WILD_TRACK>TRUE</WILD_TRACK>";
+    make(usual(kDescriptionText, replaced(kIxml, "</BWFXML>", element + "</BWFXML>")));
+    ASSERT_TRUE(current.wildTrack);
+    updated.wildTrack = false;
+    EXPECT_TRUE(save());
+    EXPECT_EQ(proof->patchedExactly({ixmlText(kIxml)}), "");
+}
+
+TEST_F(WriterTest, functionOfATrackAloneReachesTheIxml)
+{
+    const std::string named = "<NAME>Boom</NAME>";
+    make(usual(kDescriptionText, replaced(kIxml, named, named + "<FUNCTION>MIX</FUNCTION>")));
+    updated.tracks = {{1, "Boom", "MID"}};
+    EXPECT_TRUE(save());
+    EXPECT_EQ(proof->patchedExactly({ixmlText(replaced(kIxml, named, named + "<FUNCTION>MID</FUNCTION>"))}), "");
+}
+
 // The Description.
 
 TEST_F(WriterTest, sceneGoesIntoDescriptionAndIxml)
@@ -702,6 +749,53 @@ TEST_F(WriterTest, ixmlBehind4GiBIsNotFoundAndNoAudioIsWrittenOver)
     writeBeyond4GiB(path, front, "iXML" + le32(static_cast<uint32_t>(kIxml.size())) + kIxml);
     const SparseState before(path);
     updated.circled = true;
+    EXPECT_FALSE(save());
+    EXPECT_TRUE(SparseState(path) == before);
+}
+
+namespace {
+
+constexpr uint64_t k4GiB = uint64_t{1} << 32;
+
+/// A sparse RIFF file whose `bext` payload begins at `payload`. Its audio begins at offset 44.
+void writeWithBextAt(const std::string& path, uint64_t payload, const std::string& bext)
+{
+    constexpr uint64_t kAudioBegin = 44;
+    WavBuilder front;
+    const std::string head = front.fmt(48000, 1, 16).bytes();
+    EXPECT_EQ(head.size() + 8, kAudioBegin);
+    writeBytes(path, head + "data" + le32(static_cast<uint32_t>(payload - 8 - kAudioBegin)) + std::string(4096, '\x33'));
+    std::filesystem::resize_file(path, payload - 8);
+    std::ofstream(path, std::ios::binary | std::ios::app) << "bext" << le32(static_cast<uint32_t>(bext.size())) << bext;
+}
+
+} // namespace
+
+TEST_F(WriterTest, fieldsOfABextThatBeginsRightInFrontOf4GiBDoNotWrapToTheStartOfTheFile)
+{
+    constexpr uint64_t kLastPayload = k4GiB - 2; // Chunks begin at even offsets.
+    std::string bext = bextPayload(bextOf("aSCENE=12\n"));
+    writeWithBextAt(path, kLastPayload, bext);
+    const SparseState before(path);
+    updated.scene = "13";
+    updated.timeReference = 0x0102030405060708u;
+    EXPECT_TRUE(save());
+
+    bext.replace(0, kDescription, field("aSCENE=13\naSPEED=24.000-ND\n", kDescription));
+    bext.replace(kTimeReference, 8, le64(0x0102030405060708u));
+    SparseState expected = before;
+    expected.ends.replace(expected.ends.size() - bext.size(), bext.size(), bext);
+    EXPECT_TRUE(SparseState(path) == expected);
+}
+
+TEST_F(WriterTest, bextThatBeginsAt4GiBIsNotFoundAndTheStartOfTheFileStays)
+{
+    writeWithBextAt(path, k4GiB, bextPayload(bextOf("aSCENE=12\n")));
+    const SparseState before(path);
+    updated.scene = "13";
+    EXPECT_FALSE(save());
+    updated.scene = "";
+    updated.timeReference = 5;
     EXPECT_FALSE(save());
     EXPECT_TRUE(SparseState(path) == before);
 }
