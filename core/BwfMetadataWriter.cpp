@@ -7,14 +7,16 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <string_view>
+#include <vector>
 
 namespace {
 
 constexpr size_t kDescriptionBytes = 256;
 constexpr uint64_t kTimeReferenceOffset = 338; // Of the low half in the `bext` payload; the high half follows.
+constexpr uint32_t kBextFieldsBytes = 346; // Up to the end of the time reference.
 constexpr double kDefaultFrameRate = 24.0; // For the rate line of a Description whose file tells no rate.
-constexpr auto kFirstChunk = static_cast<std::streamoff>(ChunkWalk::kFirstChunk);
 
 /// Which steps a save needs: the difference between what is wanted and what the file holds.
 struct Changes {
@@ -80,17 +82,22 @@ std::string descriptionFor(const BwfMetadata& current, const BwfMetadata& update
     return CantarMetadataParser::buildDescription(wanted, rate);
 }
 
-/// Bytes of the file from `position` on; 0 past its end or on a failed stream. Moves the stream, and fails it if the
-/// file's end can't be told: what is not written for that reason must not pass as written.
-uint64_t bytesFrom(std::fstream& stream, uint64_t position)
+/// The file's size in bytes, and with it the stream at its end; 0 on a failed stream. Fails the stream if the size can't
+/// be told: what is not written for that reason must not pass as written.
+uint64_t sizeOf(std::ios& stream)
 {
-    stream.seekg(0, std::ios::end);
-    const std::streamoff end = stream.tellg();
+    // One step where `seekg` and `tellg` would take two.
+    const std::streamoff end = stream ? std::streamoff(stream.rdbuf()->pubseekoff(0, std::ios::end)) : -1;
     if (end < 0)
         stream.setstate(std::ios::failbit);
-    if (end < 0 || static_cast<uint64_t>(end) <= position)
-        return 0;
-    return static_cast<uint64_t>(end) - position;
+    return end < 0 ? 0 : static_cast<uint64_t>(end);
+}
+
+/// Bytes of the file from `position` on; 0 past its end or on a failed stream.
+uint64_t bytesFrom(std::fstream& stream, uint64_t position)
+{
+    const uint64_t size = sizeOf(stream);
+    return size > position ? size - position : 0;
 }
 
 /// Overwrites what lies inside the file and drops the rest: a `bext` payload shorter than its fields is not
@@ -135,55 +142,102 @@ uint32_t readFourBytes(std::istream& stream)
     return littleEndian32(bytes.data());
 }
 
-/// A position is held in 32 bits. One that does not fit must not be cut to them here: the cut position is some other
-/// place of the same file, mostly audio, and would be written over. So a chunk behind the first 4 GiB counts as not
-/// found, with all that follows from it: the stream fails as if the search had run off the end.
-bool findWritableChunk(std::istream& stream, std::string_view id, uint32_t& size, uint32_t& position)
-{
-    stream.seekg(kFirstChunk);
-    if (!stream)
-        return false;
-    ChunkWalk walk(stream);
-    ChunkWalk::Header header;
-    do {
-        if (!walk.next(stream, header))
-            return false;
-    } while (!header.is(id));
-
-    const uint64_t payload = header.offset + ChunkWalk::kHeaderBytes;
-    if (payload > UINT32_MAX) {
-        stream.setstate(std::ios::failbit);
-        return false;
+/// Finds the chunks that the steps of one save write into. Each step finds what a search of its own from the first
+/// chunk would find, but each header is visited once.
+class ChunkSearch {
+public:
+    explicit ChunkSearch(std::istream& searched)
+        : stream(searched)
+    {
     }
-    stream.seekg(static_cast<std::streamoff>(payload));
-    size = header.size;
-    position = static_cast<uint32_t>(payload);
-    return true;
-}
 
-bool saveDescription(std::fstream& file, const BwfMetadata& current, const BwfMetadata& updated)
+    /// As BwfMetadataWriter::findChunk.
+    bool find(std::string_view id, uint32_t& size, uint32_t& position)
+    {
+        // Where the walk goes on inside the fields that are written, the headers there may be others by now.
+        if (first("bext") && stepOver(*first("bext")) < kBextFieldsBytes)
+            forget();
+        const ChunkWalk::Header* header = stream ? first(id) : nullptr;
+        if (!header)
+            header = walkTo(id);
+        return header && standAtPayload(*header, size, position);
+    }
+
+private:
+    /// In 32 bits, as the walk has it: the size 0xFFFFFFFF steps by 0, into the payload itself.
+    static uint32_t stepOver(const ChunkWalk::Header& header) { return header.size + header.size % 2; }
+
+    const ChunkWalk::Header* first(std::string_view id) const
+    {
+        const auto found = std::find_if(visited.begin(), visited.end(), [id](const auto& each) { return each.is(id); });
+        return found == visited.end() ? nullptr : &*found;
+    }
+
+    void forget()
+    {
+        visited.clear();
+        walk.reset();
+    }
+
+    const ChunkWalk::Header* walkTo(std::string_view id)
+    {
+        if (!walk)
+            walk.emplace(sizeOf(stream));
+        ChunkWalk::Header header;
+        while (walk->next(stream, header)) {
+            const bool wanted = header.is(id);
+            if (wanted || (header.is("iXML") && !first("iXML")))
+                visited.push_back(header);
+            if (wanted)
+                return &visited.back();
+        }
+        return nullptr;
+    }
+
+    /// A position is held in 32 bits. One that does not fit must not be cut to them here: the cut position is some
+    /// other place of the same file, mostly audio, and would be written over. So a chunk behind the first 4 GiB counts
+    /// as not found, with all that follows from it: the stream fails as if the search had run off the end.
+    bool standAtPayload(const ChunkWalk::Header& header, uint32_t& size, uint32_t& position)
+    {
+        const uint64_t payload = header.offset + ChunkWalk::kHeaderBytes;
+        if (payload > UINT32_MAX) {
+            stream.setstate(std::ios::failbit);
+            return false;
+        }
+        stream.seekg(static_cast<std::streamoff>(payload));
+        size = header.size;
+        position = static_cast<uint32_t>(payload);
+        return true;
+    }
+
+    std::istream& stream;
+    std::optional<ChunkWalk> walk;
+    std::vector<ChunkWalk::Header> visited; // Those that were asked for, and the first `iXML`.
+};
+
+bool saveDescription(std::fstream& file, ChunkSearch& chunks, const BwfMetadata& current, const BwfMetadata& updated)
 {
     uint32_t size = 0;
     uint32_t position = 0;
-    if (!BwfMetadataWriter::findChunk(file, "bext", size, position))
+    if (!chunks.find("bext", size, position))
         return false;
     return BwfMetadataWriter::updateBextDescription(file, position, descriptionFor(current, updated));
 }
 
-bool saveTimeReference(std::fstream& file, uint64_t timeReference)
+bool saveTimeReference(std::fstream& file, ChunkSearch& chunks, uint64_t timeReference)
 {
     uint32_t size = 0;
     uint32_t position = 0;
-    if (!BwfMetadataWriter::findChunk(file, "bext", size, position))
+    if (!chunks.find("bext", size, position))
         return false;
     return BwfMetadataWriter::updateBextTimeReference(file, position, timeReference);
 }
 
-bool saveIxml(std::fstream& file, const BwfMetadata& current, const BwfMetadata& updated)
+bool saveIxml(std::fstream& file, ChunkSearch& chunks, const BwfMetadata& current, const BwfMetadata& updated)
 {
     uint32_t size = 0;
     uint32_t position = 0;
-    if (!BwfMetadataWriter::findChunk(file, "iXML", size, position))
+    if (!chunks.find("iXML", size, position))
         return false;
     return BwfMetadataWriter::updateIxmlFields(file, position, size, current, updated);
 }
@@ -206,21 +260,22 @@ bool BwfMetadataWriter::writeMetadata(const std::string& path, const BwfMetadata
 
     // The stream is not cleared between the steps: see the class comment. Each step stands by itself, and one that
     // comes to nothing takes nothing back.
-    const bool descriptionSaved = changes.bext && saveDescription(file, current, updated);
-    const bool timeReferenceSaved = changes.timeReference && saveTimeReference(file, updated.timeReference);
-    const bool ixmlSaved = (changes.ixml || changes.tracks) && saveIxml(file, current, updated);
+    ChunkSearch chunks(file);
+    const bool descriptionSaved = changes.bext && saveDescription(file, chunks, current, updated);
+    const bool timeReferenceSaved = changes.timeReference && saveTimeReference(file, chunks, updated.timeReference);
+    const bool ixmlSaved = (changes.ixml || changes.tracks) && saveIxml(file, chunks, current, updated);
     file.close();
     return descriptionSaved || timeReferenceSaved || ixmlSaved;
 }
 
 bool BwfMetadataWriter::findChunk(std::ifstream& stream, std::string_view id, uint32_t& size, uint32_t& position)
 {
-    return findWritableChunk(stream, id, size, position);
+    return ChunkSearch(stream).find(id, size, position);
 }
 
 bool BwfMetadataWriter::findChunk(std::fstream& stream, std::string_view id, uint32_t& size, uint32_t& position)
 {
-    return findWritableChunk(stream, id, size, position);
+    return ChunkSearch(stream).find(id, size, position);
 }
 
 bool BwfMetadataWriter::updateBextDescription(std::fstream& stream, uint32_t position, const std::string& text)

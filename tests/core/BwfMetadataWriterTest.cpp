@@ -625,6 +625,49 @@ TEST_F(WriterTest, shortBextIsWrittenPastItsEndIntoWhatFollows)
     EXPECT_EQ(changedRanges(readBytes(path), expected), std::vector<ByteRange>());
 }
 
+TEST_F(WriterTest, ixmlHeaderThatTheDescriptionOfAShortBextHasRunOverIsNotFoundAnyMore)
+{
+    WavBuilder narrow;
+    narrow.fmt(48000, 1, 24).chunk("bext", std::string(100, 'd')).ixml(kIxml).dataFrames(30);
+    make(narrow);
+    updated.scene = "1";
+    EXPECT_TRUE(save());
+    std::string expected = proof->before();
+    expected.replace(bext(), kDescription, field("aSCENE=1\naSPEED=25.000-ND\n", kDescription));
+    EXPECT_EQ(changedRanges(readBytes(path), expected), std::vector<ByteRange>());
+}
+
+TEST_F(WriterTest, ixmlHeaderInsideTheDescriptionOfABextWithoutStepIsNotFoundAnyMore)
+{
+    // The size 0xFFFFFFFF steps by 0, so the search for iXML goes on inside the payload.
+    WavBuilder stepless;
+    const std::string inside = "iXML" + le32(static_cast<uint32_t>(kIxml.size())) + kIxml;
+    stepless.fmt(48000, 1, 24).chunk("bext", inside).claimSize("bext", 0xFFFFFFFFu).dataFrames(30);
+    make(stepless);
+    ASSERT_EQ(current.scene, "12");
+    updated.scene = "1";
+    EXPECT_TRUE(save());
+    const std::string after = readBytes(path);
+    const auto changed = changedRanges(after, proof->before());
+    EXPECT_EQ(after.size(), proof->before().size());
+    ASSERT_FALSE(changed.empty());
+    EXPECT_GE(changed.front().begin, bext());
+    EXPECT_LE(changed.back().end, bext() + kDescription);
+}
+
+TEST_F(WriterTest, ixmlInFrontOfBextIsTheOneThatIsWritten)
+{
+    WavBuilder early;
+    early.fmt(48000, 1, 24).ixmlPadded(kIxml, kIxmlBytes, '\0').bext(bextOf("aSCENE=12\n")).ixml("<SCENE>12</SCENE>");
+    make(early.dataFrames(30));
+    updated.scene = "13";
+    updated.timeReference = 5;
+    EXPECT_TRUE(save());
+    EXPECT_EQ(proof->patchedExactly({ixmlText(replaced(kIxml, "<SCENE>12<", "<SCENE>13<")),
+                  description("aSCENE=13\naSPEED=25.000-ND\n"), timeReference(5)}),
+        "");
+}
+
 TEST_F(WriterTest, descriptionEndsAtTheEndOfTheFile)
 {
     WavBuilder cut;
