@@ -4,6 +4,7 @@
 #include "core/BwfMetadataReader.h"
 #include "window/FileTableColumns.h"
 #include "window/MetadataTexts.h"
+#include "window/PlayColumnItem.h"
 #include "window/WidgetHelpers.h"
 
 #include <QFileInfo>
@@ -16,6 +17,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -25,6 +27,7 @@ constexpr int kStartHeight = 800;
 constexpr int kSplitterHandleWidth = 6;
 constexpr int kPlayColumnWidth = 40;
 constexpr int kSmallestColumnWidth = 24;
+constexpr int kPlayButtonsAtOnce = 100;
 
 constexpr std::array<const char*, kFileColumnCount> kFileHeaders { "", "File Name", "File Size", "Channels", "TAPEID",
     "SCENE", "TAKE", "START TC", "LENGTH", "DATE", "CIRCLED", "SAMPLE RATE", "FRAME RATE", "Notes" };
@@ -188,14 +191,24 @@ void MetadataManagerWindow::appendRowsForNewRecords()
     fileTable->setRowCount(rowCount);
     for (int row = firstNewRow; row < rowCount; ++row)
         fillFileRow(row);
-    for (int row = firstNewRow; row < rowCount; ++row)
-        attachPlayButton(row);
+    attachWaitingPlayButtons();
     fitFileColumns();
+}
+
+void MetadataManagerWindow::attachWaitingPlayButtons()
+{
+    // A styled button takes ten times as long as reading its file. The first rows get theirs at once, the others while
+    // the window is idle, so that thousands of files are there to be worked on long before the last button is.
+    const int end = std::min(fileTable->rowCount(), rowsWithPlayButton + kPlayButtonsAtOnce);
+    for (; rowsWithPlayButton < end; ++rowsWithPlayButton)
+        attachPlayButton(rowsWithPlayButton);
+    if (rowsWithPlayButton < fileTable->rowCount())
+        QTimer::singleShot(0, this, &MetadataManagerWindow::attachWaitingPlayButtons);
 }
 
 void MetadataManagerWindow::fillFileRow(int row)
 {
-    auto* playItem = new QTableWidgetItem;
+    auto* playItem = new PlayColumnItem;
     playItem->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
     playItem->setTextAlignment(Qt::AlignCenter);
     fileTable->setItem(row, indexOf(FileColumn::Play), playItem);

@@ -130,6 +130,8 @@ private:
     void appendRowsForNewRecords();
     void fillFileRow(int row);
     void fitFileColumns();
+    /// Gives the next rows without a play button theirs, and goes on when the window is idle until all have one.
+    void attachWaitingPlayButtons();
     /// Takes `rows`, ascending and all in range, out of lists and table; the selection is empty afterwards.
     void removeRows(const QList<int>& rows);
 
@@ -200,5 +202,6 @@ private:
     FilePlaybackMixerDialog* playbackOverlay = nullptr; ///< Open mixer. Not owned; cleared when it is destroyed.
 
     QSet<QString> listedPaths; ///< The entries of `filePaths`, so that duplicates are found without a search.
+    int rowsWithPlayButton = 0; ///< The rows above this one have their play button, the others wait for it.
     std::optional<QList<int>> rowsOfFill; ///< Selected rows while the panes are filled, worked out once for all fields.
 };

@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <QScopedValueRollback>
 #include <QTableWidget>
+#include <QTextDocument>
 #include <QTextEdit>
 
 #include <algorithm>
@@ -21,20 +22,29 @@ QString orMark(const QString& text)
     return text.isEmpty() ? noValueMark() : text;
 }
 
-/// A cell of the track table that shows a fact of the file.
-QTableWidgetItem* fixedItem(const QString& text)
-{
-    auto* item = new QTableWidgetItem(text);
-    item->setFlags(item->flags() & ~Qt::ItemIsEditable);
-    return item;
-}
-
 /// Fills a text edit as QLineEdit::setText fills a line edit. QTextEdit reports even an equal text as a change, which
 /// would count as a touch of the editors.
 void fill(QTextEdit* edit, const QString& text)
 {
-    if (edit->toPlainText() != text)
+    // Compared as documents: what the edit gives back has lost the kinds of blanks and line ends.
+    QTextDocument wanted;
+    wanted.setPlainText(text);
+    if (edit->document()->toRawText() != wanted.toRawText())
         edit->setPlainText(text);
+}
+
+/// Fills a cell of the track table. An item that is there already stays, so that only a text that differs counts as
+/// a change. Interleave and channel are facts of the file and can't be edited.
+void setTrackCell(QTableWidget* table, int row, TrackColumn column, const QString& text)
+{
+    if (QTableWidgetItem* item = table->item(row, indexOf(column))) {
+        item->setText(text);
+        return;
+    }
+    auto* item = new QTableWidgetItem(text);
+    if (column == TrackColumn::Interleave || column == TrackColumn::Channel)
+        item->setFlags(item->flags() & ~Qt::ItemIsEditable);
+    table->setItem(row, indexOf(column), item);
 }
 
 } // namespace
@@ -169,10 +179,10 @@ void MetadataManagerWindow::showTracks(const std::vector<BwfTrack>& tracks)
     trackTable->setRowCount(static_cast<int>(tracks.size()));
     int row = 0;
     for (const BwfTrack& track : tracks) {
-        trackTable->setItem(row, indexOf(TrackColumn::Interleave), fixedItem(QString::number(row + 1)));
-        trackTable->setItem(row, indexOf(TrackColumn::Channel), fixedItem(QString::number(track.channelIndex)));
-        trackTable->setItem(row, indexOf(TrackColumn::Name), new QTableWidgetItem(textFromUtf8(track.name)));
-        trackTable->setItem(row, indexOf(TrackColumn::Function), new QTableWidgetItem(textFromUtf8(track.function)));
+        setTrackCell(trackTable, row, TrackColumn::Interleave, QString::number(row + 1));
+        setTrackCell(trackTable, row, TrackColumn::Channel, QString::number(track.channelIndex));
+        setTrackCell(trackTable, row, TrackColumn::Name, textFromUtf8(track.name));
+        setTrackCell(trackTable, row, TrackColumn::Function, textFromUtf8(track.function));
         ++row;
     }
 }

@@ -3,19 +3,22 @@
 #include "app/ConfigManager.h"
 #include "app/NativeFilePanel.h"
 #include "window/FileTableColumns.h"
+#include "window/FolderWalk.h"
+#include "window/PlayColumnItem.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
 #include <QSignalBlocker>
-#include <QStringList>
 #include <QTableWidget>
 #include <QUrl>
+
+#include <algorithm>
 
 namespace {
 
@@ -59,9 +62,70 @@ void eraseRows(QList<Entry>& list, const QList<int>& rows)
             ++nextErased;
             continue;
         }
-        *kept++ = std::move(list[row]);
+        // An entry moved onto itself would lose its texts.
+        if (&*kept != &list[row])
+            *kept = std::move(list[row]);
+        ++kept;
     }
     list.erase(kept, list.end());
+}
+
+/// Rows that follow one another.
+struct RowRun {
+    int first;
+    int count;
+};
+
+/// Removal in few steps is cheap; each step costs time by the number of rows, as every play button is renumbered.
+constexpr qsizetype kFewRuns = 16;
+
+QList<RowRun> runsOf(const QList<int>& rows)
+{
+    QList<RowRun> runs;
+    for (const int row : rows) {
+        if (!runs.isEmpty() && runs.last().first + runs.last().count == row)
+            ++runs.last().count;
+        else
+            runs.append({ row, 1 });
+    }
+    return runs;
+}
+
+void removeRuns(QTableWidget* table, const QList<RowRun>& runs)
+{
+    // From the bottom up, so that no removal moves the rows still to come.
+    for (auto run = runs.crbegin(); run != runs.crend(); ++run)
+        table->model()->removeRows(run->first, run->count);
+}
+
+/// Where the current row goes when `rows` are removed one by one from the bottom up: to the nearest row above that
+/// stays, else to the first one that does. -1 if none stays or none is current.
+int currentRowWithout(const QTableWidget* table, const QList<int>& rows)
+{
+    const auto stays = [&](int row) { return !std::binary_search(rows.begin(), rows.end(), row); };
+    for (int row = table->currentRow(); row >= 0; --row) {
+        if (stays(row))
+            return row;
+    }
+    for (int row = 0; table->currentRow() >= 0 && row < table->rowCount(); ++row) {
+        if (stays(row))
+            return row;
+    }
+    return -1;
+}
+
+/// Brings `rows` together at the top in one step, which takes the play buttons along, and removes them in another.
+void removeScattered(QTableWidget* table, const QList<int>& rows)
+{
+    const int current = currentRowWithout(table, rows);
+    const int column = std::max(table->currentColumn(), 0);
+    table->setCurrentCell(current, column, QItemSelectionModel::Clear);
+
+    const int playColumn = indexOf(FileColumn::Play);
+    for (const int row : rows)
+        table->item(row, playColumn)->setData(PlayColumnItem::kLeavingRole, true);
+    table->model()->sort(playColumn);
+    table->model()->removeRows(0, static_cast<int>(rows.size()));
 }
 
 } // namespace
@@ -132,13 +196,7 @@ QList<QString> MetadataManagerWindow::collectWavFilesFromPaths(const QList<QStri
 
 QList<QString> MetadataManagerWindow::collectWavFilesInDirectory(const QString& dir) const
 {
-    QStringList files;
-    QDirIterator walk(dir, { QStringLiteral("*.wav"), QStringLiteral("*.WAV") }, QDir::Files,
-        QDirIterator::Subdirectories);
-    while (walk.hasNext())
-        files.append(walk.next());
-    files.sort(Qt::CaseInsensitive);
-    return files;
+    return wavFilesUnder(dir);
 }
 
 void MetadataManagerWindow::rememberDirectory(const QString& dir)
@@ -181,19 +239,21 @@ void MetadataManagerWindow::removeRows(const QList<int>& rows)
 {
     for (const int row : rows)
         listedPaths.remove(filePaths.at(row));
+    rowsWithPlayButton -= static_cast<int>(std::lower_bound(rows.begin(), rows.end(), rowsWithPlayButton) - rows.begin());
     eraseRows(records, rows);
     eraseRows(filePaths, rows);
     {
         // The panes are filled once, at the end, and not after each removal.
         const QSignalBlocker oneSignal(fileTable);
-        for (qsizetype last = rows.size() - 1; last >= 0;) {
-            qsizetype first = last;
-            while (first > 0 && rows.at(first - 1) == rows.at(first) - 1)
-                --first;
-            fileTable->model()->removeRows(rows.at(first), rows.at(last) - rows.at(first) + 1);
-            last = first - 1;
-        }
+        const QList<RowRun> runs = runsOf(rows);
+        if (runs.size() <= kFewRuns)
+            removeRuns(fileTable, runs);
+        else
+            removeScattered(fileTable, rows);
     }
+    // Row by row the last but one removal would have left a single file in the panes, whose take can be edited.
+    if (rows.size() > 1)
+        takeEdit->setEnabled(true);
     onFileSelectionChanged();
 }
 
@@ -204,6 +264,7 @@ void MetadataManagerWindow::onClear()
     records.clear();
     filePaths.clear();
     listedPaths.clear();
+    rowsWithPlayButton = 0;
     updateMetadataDisplay();
     soundReportButton->setEnabled(false);
     dirty = false;
