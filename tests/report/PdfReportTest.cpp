@@ -7,6 +7,7 @@
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QTextFrame>
 #include <QTextImageFormat>
 #include <QTextTable>
 #include <QTextTableFormat>
@@ -393,6 +394,19 @@ TEST_F(PdfReport, aTakeFillsTwoRows)
     EXPECT_EQ(Sheet::start(sheet.takeTable(), 2, 0).blockFormat().alignment(), Qt::AlignLeft);
     expectFont(Sheet::charFormat(sheet.takeTable(), 2, 0), 8, 700);
     expectFont(Sheet::charFormat(sheet.takeTable(), 2, 0, 7), 8, 400);
+}
+
+TEST_F(PdfReport, emptyLinesPartTheTables)
+{
+    // "T" is a table, "L" a line outside of the tables.
+    const auto outline = [](const Sheet& sheet) {
+        std::string shape;
+        for (auto part = sheet.document.rootFrame()->begin(); !part.atEnd(); ++part)
+            shape += part.currentFrame() ? 'T' : 'L';
+        return shape;
+    };
+    EXPECT_EQ(outline(Sheet(monoTakes(1))), "LLTLLLTL");
+    EXPECT_EQ(outline(Sheet(monoTakes(1), { .companyLogoPath = logo(100, 50) })), "LTLLTLLLTL");
 }
 
 TEST_F(PdfReport, aTakeWithoutNoteOrTracksStillHasItsLines)

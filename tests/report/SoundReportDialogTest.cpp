@@ -7,6 +7,7 @@
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -14,6 +15,7 @@
 #include <QPushButton>
 #include <QStandardPaths>
 #include <QTableWidget>
+#include <QVBoxLayout>
 #include <QtTest>
 
 #include <cstring>
@@ -113,6 +115,23 @@ TEST_F(ReportDialog, theWindowHasItsTitleAndSizes)
     EXPECT_EQ(childOf<QPushButton>(dialog, "closeButton").text(), "Close");
     EXPECT_EQ(dialog.layout()->spacing(), 10);
     EXPECT_EQ(dialog.layout()->contentsMargins(), QMargins(10, 10, 10, 10));
+}
+
+TEST_F(ReportDialog, theTakesGetTwiceTheRoomOfTheDetails)
+{
+    const SoundReportDialog dialog(nullptr);
+    const auto& rows = childOf<QVBoxLayout>(dialog, "mainLayout");
+    ASSERT_EQ(rows.count(), 3);
+    EXPECT_EQ(rows.stretch(0), 0);
+    EXPECT_EQ(rows.stretch(1), 1);
+    EXPECT_EQ(rows.stretch(2), 0);
+    const auto* middle = qobject_cast<QHBoxLayout*>(rows.itemAt(1)->layout());
+    ASSERT_TRUE(middle);
+    EXPECT_EQ(middle->itemAt(0)->widget()->objectName(), "takesGroup");
+    EXPECT_EQ(middle->stretch(0), 2);
+    EXPECT_EQ(middle->itemAt(1)->widget()->objectName(), "detailsGroup");
+    EXPECT_EQ(middle->stretch(1), 1);
+    EXPECT_EQ(childOf<QHBoxLayout>(dialog, "folderLayout").stretch(1), 1);
 }
 
 TEST_F(ReportDialog, theTableShowsSixColumnsAndTakesNoEdits)
