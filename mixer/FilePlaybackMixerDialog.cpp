@@ -25,6 +25,9 @@ namespace {
 constexpr int kTickMilliseconds = 50;
 constexpr int kFormatFloat = 3;
 
+// Far more than any file that plays has. A broken header may claim 65535, whose widgets would fill the memory.
+constexpr qsizetype kMostSilentStrips = 512;
+
 constexpr char kTextColour[] = "#f0f0f0";
 constexpr char kDimColour[] = "#999999";
 constexpr char kTimecodeColour[] = "#B8E0FF";
@@ -204,7 +207,7 @@ int FilePlaybackMixerDialog::stripCount(const QList<QString>& trackNames) const
 {
     if (player && player->channels() >= 1)
         return player->channels();
-    return std::max(1, static_cast<int>(trackNames.size()));
+    return static_cast<int>(std::clamp<qsizetype>(trackNames.size(), 1, kMostSilentStrips));
 }
 
 void FilePlaybackMixerDialog::showPlayable()

@@ -822,6 +822,13 @@ TEST_F(MixerDialog, withoutPlayerAndNamesOneStripStands)
     EXPECT_EQ(dialog->findChild<QWidget*>("strip1"), nullptr);
 }
 
+TEST_F(MixerDialog, aClaimOf65535TracksThatDoNotPlayEndsAt512Strips)
+{
+    openUnplayable(folder.file("missing.wav"), QList<QString>(65535));
+    EXPECT_EQ(text("nameLabel511"), "Track 512");
+    EXPECT_EQ(dialog->findChild<QWidget*>("strip512"), nullptr);
+}
+
 TEST_F(MixerDialog, withoutDeviceTheWaveformStillShows)
 {
     DrivenOutput::setDevice(0);
