@@ -17,9 +17,13 @@ static_assert(sizeof(OSStatus) == sizeof(int32_t) && sizeof(AudioUnitRenderActio
 constexpr AudioObjectPropertyElement kMainElement = 0;
 constexpr AudioUnitElement kOutputBus = 0;
 
-AudioUnit platform(AudioOutput::Unit* unit) { return reinterpret_cast<AudioUnit>(unit); }
+AudioUnit platform(AudioOutput::Unit* unit)
+{
+    return reinterpret_cast<AudioUnit>(unit);
+}
 
-template <typename Value> OSStatus readProperty(AudioObjectID object, AudioObjectPropertySelector selector, Value& value)
+template <typename Value>
+OSStatus readProperty(AudioObjectID object, AudioObjectPropertySelector selector, Value& value)
 {
     const AudioObjectPropertyAddress address{ selector, kAudioObjectPropertyScopeGlobal, kMainElement };
     UInt32 size = sizeof(Value);
@@ -86,14 +90,29 @@ bool setRenderCallback(Unit* unit, RenderFunction render, void* context)
         == 0;
 }
 
-bool initialize(Unit* unit) { return AudioUnitInitialize(platform(unit)) == 0; }
+bool initialize(Unit* unit)
+{
+    return AudioUnitInitialize(platform(unit)) == 0;
+}
 
-int32_t start(Unit* unit) { return AudioOutputUnitStart(platform(unit)); }
+int32_t start(Unit* unit)
+{
+    return AudioOutputUnitStart(platform(unit));
+}
 
-void stop(Unit* unit) { AudioOutputUnitStop(platform(unit)); }
+void stop(Unit* unit)
+{
+    AudioOutputUnitStop(platform(unit));
+}
 
-void uninitialize(Unit* unit) { AudioUnitUninitialize(platform(unit)); }
+void uninitialize(Unit* unit)
+{
+    AudioUnitUninitialize(platform(unit));
+}
 
-void dispose(Unit* unit) { AudioComponentInstanceDispose(platform(unit)); }
+void dispose(Unit* unit)
+{
+    AudioComponentInstanceDispose(platform(unit));
+}
 
 } // namespace AudioOutput

@@ -86,8 +86,14 @@ int32_t convert(Converter* converter, const float* input, int32_t inputFrames, f
     return status == 0 ? static_cast<int32_t>(packets) : 0;
 }
 
-void reset(Converter* converter) { AudioConverterReset(platform(converter)); }
+void reset(Converter* converter)
+{
+    AudioConverterReset(platform(converter));
+}
 
-void dispose(Converter* converter) { AudioConverterDispose(platform(converter)); }
+void dispose(Converter* converter)
+{
+    AudioConverterDispose(platform(converter));
+}
 
 } // namespace RateEngine

@@ -28,8 +28,9 @@ struct Integer16 {
     static float decode(const uint8_t* bytes) { return static_cast<float>(load<int16_t>(bytes)) * kScale16; }
 };
 
-// The three bytes go to the upper end of a 32-bit integer, which brings the sign along. The value is 256 times too large
-// and the factor 256 times too small for 24 bits; both are powers of two, so the result is the same to the last bit.
+// The three bytes go to the upper end of a 32-bit integer, which brings the sign along. The value is 256 times too
+// large and the factor 256 times too small for 24 bits; both are powers of two, so the result is the same to the last
+// bit.
 struct Integer24 {
     static constexpr int64_t kBytes = 3;
     static float decode(const uint8_t* bytes)

@@ -16,7 +16,8 @@ inline constexpr int32_t kSampleSlack = 2;
 /// Neither is kept. Any thread; never blocks or allocates.
 using FrameDecoder = void (*)(const uint8_t* in, int64_t frames, int32_t fileChannels, float* out, int32_t outChannels);
 
-/// The loop for one sample format, to be chosen once for each block. Formats that don't exist get a loop that writes 0.0.
+/// The loop for one sample format, to be chosen once for each block. Formats that don't exist get a loop that writes
+/// 0.0.
 FrameDecoder frameDecoder(int32_t formatCode, int32_t bitsPerSample);
 
 /// One stored sample as a float, by the same rule as the loops; 0.0 for a format that doesn't exist.

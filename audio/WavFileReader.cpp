@@ -33,7 +33,10 @@ int64_t truncatedToFrame(double value)
 
 } // namespace
 
-WavFileReader::~WavFileReader() { close(); }
+WavFileReader::~WavFileReader()
+{
+    close();
+}
 
 bool WavFileReader::open(const std::string& path)
 {
@@ -75,7 +78,10 @@ double WavFileReader::getDuration() const
     return static_cast<double>(totalFrames) / sampleRate;
 }
 
-int64_t WavFileReader::getPosition() const { return isPrefetching() ? ringPosition.load() : position.load(); }
+int64_t WavFileReader::getPosition() const
+{
+    return isPrefetching() ? ringPosition.load() : position.load();
+}
 
 void WavFileReader::setPosition(int64_t frame)
 {
@@ -103,8 +109,8 @@ void WavFileReader::goToFrame(int64_t frame)
     seekStreamToFrame(frame);
 }
 
-// A claimed size near 2 to the 64 has frames that no file offset reaches. Going there fails the stream, as any impossible
-// seek does.
+// A claimed size near 2 to the 64 has frames that no file offset reaches. Going there fails the stream, as any
+// impossible seek does.
 void WavFileReader::seekStreamToFrame(int64_t frame)
 {
     const std::streamoff start = dataStart;
@@ -115,7 +121,10 @@ void WavFileReader::seekStreamToFrame(int64_t frame)
     stream.seekg(start + frame * frameBytes(), std::ios::beg);
 }
 
-bool WavFileReader::isAtEnd() const { return getPosition() >= totalFrames; }
+bool WavFileReader::isAtEnd() const
+{
+    return getPosition() >= totalFrames;
+}
 
 int32_t WavFileReader::effectiveChannels(int32_t wanted) const
 {

@@ -24,7 +24,8 @@
 /// 1. The indexes count frames since the start and never go back; frame i lies in slot i & (kRingFrames - 1).
 /// 2. The producer writes slots of frames from `ringWriteIndex` on, and only where a whole block fits below
 ///    `ringReadIndex` + kRingFrames. It never looks at `flushReadIndex` for room.
-/// 3. The consumer reads slots of frames from its read index up to `ringWriteIndex`, and stores `ringReadIndex` after it
+/// 3. The consumer reads slots of frames from its read index up to `ringWriteIndex`, and stores `ringReadIndex` after
+/// it
 ///    has copied them.
 /// So a slot changes hands by a release store and an acquire load in either direction, whatever seeks come in between.
 class WavFileReader {
@@ -74,8 +75,8 @@ public:
     /// Thread: owner, or requester while prefetching runs; then it never blocks, allocates or touches the file.
     void setPosition(int64_t frame);
 
-    /// Goes to a time as `setPosition` does, its frame cut towards zero; beyond either end goes to that end, not-a-number to 0.
-    /// Ignored when closed and when the sample rate is below 1. Thread: as `setPosition`.
+    /// Goes to a time as `setPosition` does, its frame cut towards zero; beyond either end goes to that end,
+    /// not-a-number to 0. Ignored when closed and when the sample rate is below 1. Thread: as `setPosition`.
     void seekSeconds(double seconds);
 
     /// True once all frames that the `data` chunk claims were delivered, or after a seek to the end; true when closed.
@@ -83,9 +84,9 @@ public:
     bool isAtEnd() const;
 
     /// Delivers at most `frames` frames to `out` and moves on behind them. `outChannels` is the number of the file's
-    /// first channels to deliver; below 1 or above the file's number means all. `out` takes `frames` x that many floats.
-    /// Fewer frames come where the file ends, or where the ring runs dry.
-    /// Thread: owner, or consumer while prefetching runs. 0 if closed, if `frames` is below 1 or if nothing is there.
+    /// first channels to deliver; below 1 or above the file's number means all. `out` takes `frames` x that many
+    /// floats. Fewer frames come where the file ends, or where the ring runs dry. Thread: owner, or consumer while
+    /// prefetching runs. 0 if closed, if `frames` is below 1 or if nothing is there.
     int32_t readFrames(float* out, int32_t frames, int32_t outChannels);
 
     /// The path of `readFrames` without prefetching; see there. A read that comes out short leaves the file's stream
@@ -176,28 +177,29 @@ private:
     uint64_t dataSize = 0; // Bytes of sample data as the file claims.
     int64_t totalFrames = 0; // Whole frames in dataSize.
     std::streampos dataStart = 0; // Position of the first sample byte.
-    std::atomic<int64_t> position{0}; // Next frame of the synchronous path; any thread may read it.
+    std::atomic<int64_t> position{ 0 }; // Next frame of the synchronous path; any thread may read it.
     std::vector<uint8_t> scratch; // Raw bytes of a piece of a synchronous read; grows, never shrinks.
 
     // The ring.
     std::thread prefetchThread;
-    std::atomic<bool> prefetchRunning{false}; // Owner writes; the producer runs and reads branch on it.
+    std::atomic<bool> prefetchRunning{ false }; // Owner writes; the producer runs and reads branch on it.
     int32_t ringChannels = 0; // Floats of one ring frame, 1 to channels; constant while prefetching runs.
     std::vector<float> ring; // kRingFrames x ringChannels; producer and consumer own disjoint slots.
     std::vector<uint8_t> readBlock; // Raw bytes of one block; producer only.
 
     // Producer writes with release after the samples; consumer loads with acquire. Counts frames ever
     // written and never wraps back, so "full" and "empty" need no spare slot.
-    std::atomic<uint64_t> ringWriteIndex{0};
+    std::atomic<uint64_t> ringWriteIndex{ 0 };
     // Consumer writes with release after its copy; producer loads with acquire. Frames ever consumed or skipped.
-    std::atomic<uint64_t> ringReadIndex{0};
-    // Producer increments with release, after flushReadIndex is final; consumer loads with acquire. Counts the seeks done.
-    std::atomic<uint64_t> flushGeneration{0};
+    std::atomic<uint64_t> ringReadIndex{ 0 };
+    // Producer increments with release, after flushReadIndex is final; consumer loads with acquire. Counts the seeks
+    // done.
+    std::atomic<uint64_t> flushGeneration{ 0 };
     // Producer writes: ringWriteIndex at the last seek. All frames below it are from before that seek.
-    std::atomic<uint64_t> flushReadIndex{0};
+    std::atomic<uint64_t> flushReadIndex{ 0 };
     uint64_t seenGeneration = 0; // Consumer only: the last generation that it has acted on.
     // Requester writes a frame with release, producer exchanges it for -1. -1 means that no seek is pending.
-    std::atomic<int64_t> seekTarget{-1};
+    std::atomic<int64_t> seekTarget{ -1 };
     // File frame that the consumer has reached. Consumer adds, requester stores; both relaxed.
-    std::atomic<int64_t> ringPosition{0};
+    std::atomic<int64_t> ringPosition{ 0 };
 };

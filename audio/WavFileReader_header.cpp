@@ -25,11 +25,20 @@ template <typename T, size_t Bytes> T readLittleEndian(std::istream& stream)
 
 } // namespace
 
-uint16_t WavFileReader::readUint16LE() { return readLittleEndian<uint16_t, 2>(stream); }
+uint16_t WavFileReader::readUint16LE()
+{
+    return readLittleEndian<uint16_t, 2>(stream);
+}
 
-uint32_t WavFileReader::readUint32LE() { return readLittleEndian<uint32_t, 4>(stream); }
+uint32_t WavFileReader::readUint32LE()
+{
+    return readLittleEndian<uint32_t, 4>(stream);
+}
 
-uint64_t WavFileReader::readUint64LE() { return readLittleEndian<uint64_t, 8>(stream); }
+uint64_t WavFileReader::readUint64LE()
+{
+    return readLittleEndian<uint64_t, 8>(stream);
+}
 
 bool WavFileReader::parseHeader()
 {
@@ -66,8 +75,8 @@ bool WavFileReader::readDs64(uint64_t& size64)
     return true;
 }
 
-// The sixteen bytes are read whatever the chunk's size says, and no pad byte is skipped: behind a `fmt ` of odd size the
-// walk stands one byte short of the next chunk, and such a file is not played.
+// The sixteen bytes are read whatever the chunk's size says, and no pad byte is skipped: behind a `fmt ` of odd size
+// the walk stands one byte short of the next chunk, and such a file is not played.
 bool WavFileReader::readFormat()
 {
     uint32_t size = 0;

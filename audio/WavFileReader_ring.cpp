@@ -8,11 +8,14 @@
 
 namespace {
 
-constexpr std::chrono::nanoseconds kIdleSleep{5'000'000};
+constexpr std::chrono::nanoseconds kIdleSleep{ 5'000'000 };
 constexpr uint64_t kSlotMask = WavFileReader::kRingFrames - 1;
 static_assert((WavFileReader::kRingFrames & (WavFileReader::kRingFrames - 1)) == 0);
 
-int64_t slotOf(uint64_t index) { return static_cast<int64_t>(index & kSlotMask); }
+int64_t slotOf(uint64_t index)
+{
+    return static_cast<int64_t>(index & kSlotMask);
+}
 
 // Frames from `index` on that lie side by side before the ring's end, at most `frames`.
 int64_t framesBeforeWrap(uint64_t index, int64_t frames)
@@ -60,8 +63,9 @@ void WavFileReader::prefetchLoop()
     }
 }
 
-// One block from file frame `frame` on, which moves on behind it. False if there was nothing to do or to be had: no room
-// for a whole block, the file's end, or a read without a result; then the same frame is tried again in the next pass.
+// One block from file frame `frame` on, which moves on behind it. False if there was nothing to do or to be had: no
+// room for a whole block, the file's end, or a read without a result; then the same frame is tried again in the next
+// pass.
 bool WavFileReader::prefetchPass(int64_t& frame)
 {
     takeSeekRequest(frame);
@@ -119,8 +123,9 @@ int32_t WavFileReader::readFramesFromRing(float* out, int32_t frames, int32_t ou
     uint64_t readIndex = ringReadIndex.load(std::memory_order_relaxed);
     const uint64_t generation = flushGeneration.load(std::memory_order_acquire);
     if (generation != seenGeneration) {
-        // A second seek may land between these two loads. Then the index already belongs to it, the generation is noticed
-        // in the next read, and by then frames behind that index were consumed: the read index must not go back to it.
+        // A second seek may land between these two loads. Then the index already belongs to it, the generation is
+        // noticed in the next read, and by then frames behind that index were consumed: the read index must not go back
+        // to it.
         readIndex = std::max(readIndex, flushReadIndex.load(std::memory_order_acquire));
         seenGeneration = generation;
     }

@@ -6,8 +6,8 @@ namespace {
 
 constexpr int64_t kStep = 8; // Samples of one round: 24 bytes in, one register of eight floats out.
 
-// The build is for any x86-64 processor. Its instructions can't move single bytes across a register, so a compiler's loop
-// over three-byte samples costs ten times what this one does.
+// The build is for any x86-64 processor. Its instructions can't move single bytes across a register, so a compiler's
+// loop over three-byte samples costs ten times what this one does.
 __attribute__((target("avx2"))) int64_t decodeAvx2(const uint8_t* in, int64_t samples, float* out)
 {
     // Each sample's bytes go to the upper end of 32 bits over a zero byte; the upper half was loaded 8 bytes further on

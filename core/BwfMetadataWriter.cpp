@@ -39,9 +39,8 @@ bool anyTrackChanged(const std::vector<BwfTrack>& updated, const std::vector<Bwf
 {
     if (updated.size() > current.size())
         return true;
-    return !std::equal(updated.begin(), updated.end(), current.begin(), [](const BwfTrack& a, const BwfTrack& b) {
-        return a.name == b.name && a.function == b.function;
-    });
+    return !std::equal(updated.begin(), updated.end(), current.begin(),
+        [](const BwfTrack& a, const BwfTrack& b) { return a.name == b.name && a.function == b.function; });
 }
 
 Changes changesBetween(const BwfMetadata& current, const BwfMetadata& updated)
@@ -82,8 +81,8 @@ std::string descriptionFor(const BwfMetadata& current, const BwfMetadata& update
     return CantarMetadataParser::buildDescription(wanted, rate);
 }
 
-/// The file's size in bytes, and with it the stream at its end; 0 on a failed stream. Fails the stream if the size can't
-/// be told: what is not written for that reason must not pass as written.
+/// The file's size in bytes, and with it the stream at its end; 0 on a failed stream. Fails the stream if the size
+/// can't be told: what is not written for that reason must not pass as written.
 uint64_t sizeOf(std::ios& stream)
 {
     // One step where `seekg` and `tellg` would take two.
@@ -117,8 +116,7 @@ std::string textField(const std::string& text, size_t size)
     return field;
 }
 
-template <size_t Width>
-std::array<char, Width> littleEndian(uint64_t value)
+template <size_t Width> std::array<char, Width> littleEndian(uint64_t value)
 {
     std::array<char, Width> bytes{};
     for (char& each : bytes) {
@@ -128,8 +126,7 @@ std::array<char, Width> littleEndian(uint64_t value)
     return bytes;
 }
 
-template <size_t Width>
-void writeLittleEndian(std::ostream& stream, uint64_t value)
+template <size_t Width> void writeLittleEndian(std::ostream& stream, uint64_t value)
 {
     const std::array<char, Width> bytes = littleEndian<Width>(value);
     stream.write(bytes.data(), Width);
@@ -146,10 +143,7 @@ uint32_t readFourBytes(std::istream& stream)
 /// chunk would find, but each header is visited once.
 class ChunkSearch {
 public:
-    explicit ChunkSearch(std::istream& searched)
-        : stream(searched)
-    {
-    }
+    explicit ChunkSearch(std::istream& searched) : stream(searched) { }
 
     /// As BwfMetadataWriter::findChunk.
     bool find(std::string_view id, uint32_t& size, uint32_t& position)
@@ -290,12 +284,11 @@ bool BwfMetadataWriter::updateBextDescription(std::fstream& stream, uint32_t pos
 bool BwfMetadataWriter::updateBextTimeReference(std::fstream& stream, uint32_t position, uint64_t value)
 {
     const std::array<char, 8> bytes = littleEndian<8>(value); // Both halves, the low one first.
-    overwrite(stream, position + kTimeReferenceOffset, {bytes.data(), bytes.size()});
+    overwrite(stream, position + kTimeReferenceOffset, { bytes.data(), bytes.size() });
     return stream.good();
 }
 
-void BwfMetadataWriter::writeString(
-    std::fstream& stream, const std::string& text, size_t fieldSize, uint32_t position)
+void BwfMetadataWriter::writeString(std::fstream& stream, const std::string& text, size_t fieldSize, uint32_t position)
 {
     const std::string field = textField(text, fieldSize);
     stream.seekp(static_cast<std::streamoff>(position));
@@ -308,10 +301,28 @@ void BwfMetadataWriter::writeString(std::ofstream& stream, const std::string& te
     stream.write(field.data(), static_cast<std::streamsize>(field.size()));
 }
 
-void BwfMetadataWriter::writeUint32LE(std::ofstream& stream, uint32_t value) { writeLittleEndian<4>(stream, value); }
-void BwfMetadataWriter::writeUint32LE(std::fstream& stream, uint32_t value) { writeLittleEndian<4>(stream, value); }
-void BwfMetadataWriter::writeUint16LE(std::ofstream& stream, uint16_t value) { writeLittleEndian<2>(stream, value); }
-void BwfMetadataWriter::writeUint64LE(std::ofstream& stream, uint64_t value) { writeLittleEndian<8>(stream, value); }
+void BwfMetadataWriter::writeUint32LE(std::ofstream& stream, uint32_t value)
+{
+    writeLittleEndian<4>(stream, value);
+}
+void BwfMetadataWriter::writeUint32LE(std::fstream& stream, uint32_t value)
+{
+    writeLittleEndian<4>(stream, value);
+}
+void BwfMetadataWriter::writeUint16LE(std::ofstream& stream, uint16_t value)
+{
+    writeLittleEndian<2>(stream, value);
+}
+void BwfMetadataWriter::writeUint64LE(std::ofstream& stream, uint64_t value)
+{
+    writeLittleEndian<8>(stream, value);
+}
 
-uint32_t BwfMetadataWriter::readUint32LE(std::ifstream& stream) { return readFourBytes(stream); }
-uint32_t BwfMetadataWriter::readUint32LE(std::fstream& stream) { return readFourBytes(stream); }
+uint32_t BwfMetadataWriter::readUint32LE(std::ifstream& stream)
+{
+    return readFourBytes(stream);
+}
+uint32_t BwfMetadataWriter::readUint32LE(std::fstream& stream)
+{
+    return readFourBytes(stream);
+}

@@ -45,8 +45,8 @@ public:
     /// True if the chunk was written or there was nothing to write; false if the edited text doesn't fit, and
     /// then nothing is written. If the file ends inside the chunk, the stream is failed afterwards and nothing is
     /// written, whatever the result.
-    static bool updateIxmlFields(std::fstream& stream, uint32_t position, uint32_t size, const BwfMetadata& current,
-        const BwfMetadata& updated);
+    static bool updateIxmlFields(
+        std::fstream& stream, uint32_t position, uint32_t size, const BwfMetadata& current, const BwfMetadata& updated);
 
     /// Looks for the first chunk called `id` (four bytes, case matters) from offset 12 on. On success the stream
     /// stands at the payload. False if there is none or its payload begins behind the first 4 GiB; the stream is then

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr size_t kReadBlock = size_t{1} << 20;
+constexpr size_t kReadBlock = size_t{ 1 } << 20;
 constexpr std::string_view kRootClose = "</BWFXML>";
 constexpr std::string_view kWildTrack = "WILD_TRACK";
 
@@ -39,7 +39,7 @@ Element findElement(const std::string& text, std::string_view name)
 {
     const std::string open = std::string("<").append(name).append(">");
     const std::string close = std::string("</").append(name).append(">");
-    return {text.find(open), text.find(close), open.size(), close.size()};
+    return { text.find(open), text.find(close), open.size(), close.size() };
 }
 
 /// Reads the chunk in blocks, so that a size field that claims more than the file holds costs only what is there.
@@ -110,14 +110,14 @@ void setScalars(Edited& ixml, const BwfMetadata& current, const BwfMetadata& upd
 {
     struct Scalar {
         std::string_view name;
-        std::string BwfMetadata::* field;
+        std::string BwfMetadata::*field;
     };
     static constexpr Scalar kScalars[] = {
-        {"NOTE", &BwfMetadata::note},
-        {"SCENE", &BwfMetadata::scene},
-        {"TAPE", &BwfMetadata::tape},
-        {"TAKE", &BwfMetadata::take},
-        {"PROJECT", &BwfMetadata::project},
+        { "NOTE", &BwfMetadata::note },
+        { "SCENE", &BwfMetadata::scene },
+        { "TAPE", &BwfMetadata::tape },
+        { "TAKE", &BwfMetadata::take },
+        { "PROJECT", &BwfMetadata::project },
     };
     for (const Scalar& each : kScalars) {
         const std::string& value = updated.*each.field;
@@ -195,10 +195,10 @@ void setTracks(Edited& ixml, const BwfMetadata& current, const BwfMetadata& upda
 
 } // namespace
 
-bool BwfMetadataWriter::updateIxmlFields(std::fstream& stream, uint32_t position, uint32_t size,
-    const BwfMetadata& current, const BwfMetadata& updated)
+bool BwfMetadataWriter::updateIxmlFields(
+    std::fstream& stream, uint32_t position, uint32_t size, const BwfMetadata& current, const BwfMetadata& updated)
 {
-    Edited ixml{readText(stream, position, size)};
+    Edited ixml{ readText(stream, position, size) };
     const size_t room = ixml.text.size();
     setScalars(ixml, current, updated);
     setFlags(ixml, current, updated);

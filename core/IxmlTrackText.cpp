@@ -16,12 +16,12 @@ struct PlainTag {
 };
 
 constexpr std::array kPlainTags = {
-    PlainTag{IxmlTrackText::Kind::TrackOpen, "<TRACK>"},
-    PlainTag{IxmlTrackText::Kind::TrackClose, "</TRACK>"},
-    PlainTag{IxmlTrackText::Kind::NameOpen, "<NAME>"},
-    PlainTag{IxmlTrackText::Kind::NameClose, "</NAME>"},
-    PlainTag{IxmlTrackText::Kind::FunctionOpen, "<FUNCTION>"},
-    PlainTag{IxmlTrackText::Kind::FunctionClose, "</FUNCTION>"},
+    PlainTag{ IxmlTrackText::Kind::TrackOpen, "<TRACK>" },
+    PlainTag{ IxmlTrackText::Kind::TrackClose, "</TRACK>" },
+    PlainTag{ IxmlTrackText::Kind::NameOpen, "<NAME>" },
+    PlainTag{ IxmlTrackText::Kind::NameClose, "</NAME>" },
+    PlainTag{ IxmlTrackText::Kind::FunctionOpen, "<FUNCTION>" },
+    PlainTag{ IxmlTrackText::Kind::FunctionClose, "</FUNCTION>" },
 };
 
 /// Length of the whole CHANNEL_INDEX element at the start of `where`; 0 if there is none, or if it says its number
@@ -43,9 +43,7 @@ size_t channelElement(std::string_view where, int32_t& channelIndex)
 } // namespace
 
 IxmlTrackText::KeyList::KeyList(std::vector<uint64_t> ascending)
-    : keys(std::move(ascending))
-    , forward(keys.size() + 1)
-    , backward(keys.size() + 1)
+    : keys(std::move(ascending)), forward(keys.size() + 1), backward(keys.size() + 1)
 {
     std::iota(forward.begin(), forward.end(), 0u);
     std::iota(backward.begin(), backward.end(), 0u);
@@ -81,8 +79,7 @@ uint64_t IxmlTrackText::KeyList::lastUpTo(uint64_t key)
     return slot == 0 ? kNoKey : keys[slot - 1];
 }
 
-IxmlTrackText::IxmlTrackText(std::string ixml)
-    : text(std::move(ixml))
+IxmlTrackText::IxmlTrackText(std::string ixml) : text(std::move(ixml))
 {
     buildIndex();
 }
@@ -90,7 +87,7 @@ IxmlTrackText::IxmlTrackText(std::string ixml)
 /// Groups the elements by their number, in the order of the text within a group.
 uint64_t IxmlTrackText::channelKey(int32_t channelIndex, Tag tag)
 {
-    return uint64_t{static_cast<uint32_t>(channelIndex)} << 32 | tag;
+    return uint64_t{ static_cast<uint32_t>(channelIndex) } << 32 | tag;
 }
 
 bool IxmlTrackText::matchTag(std::string_view where, size_t offset, Entry& found)
@@ -137,7 +134,7 @@ void IxmlTrackText::buildIndex()
         lists[kind] = KeyList(std::move(keys[kind]));
 
     std::vector<uint64_t> numbers(entries.size());
-    std::iota(numbers.begin(), numbers.end(), uint64_t{0});
+    std::iota(numbers.begin(), numbers.end(), uint64_t{ 0 });
     standing = KeyList(std::move(numbers));
     growth.assign(entries.size() + 1, 0);
 }
@@ -178,13 +175,13 @@ IxmlTrackText::Tag IxmlTrackText::tagAt(size_t offset) const
 
 void IxmlTrackText::addGrowth(Tag behind, int64_t bytes)
 {
-    for (size_t node = size_t{behind} + 1; node < growth.size(); node += node & (~node + 1))
+    for (size_t node = size_t{ behind } + 1; node < growth.size(); node += node & (~node + 1))
         growth[node] += bytes;
 }
 
 void IxmlTrackText::removeBetween(Tag open, Tag close)
 {
-    for (uint64_t key = standing.firstFrom(uint64_t{open} + 1); key < close; key = standing.firstFrom(key)) {
+    for (uint64_t key = standing.firstFrom(uint64_t{ open } + 1); key < close; key = standing.firstFrom(key)) {
         const Tag tag = static_cast<Tag>(key);
         const Entry& entry = entries[tag];
         standing.remove(tag);
@@ -198,7 +195,7 @@ bool IxmlTrackText::replaceBetween(Tag open, Tag close, const std::string& value
     const size_t before = position(close) - position(open) - entries[open].length;
     removeBetween(open, close);
     addGrowth(open, static_cast<int64_t>(value.size()) - static_cast<int64_t>(before));
-    edits[open] = {close, value};
+    edits[open] = { close, value };
 
     Entry found;
     if (!findTag(value, 0, found))

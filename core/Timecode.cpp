@@ -23,9 +23,15 @@ constexpr double kFrameEpsilon = 1e-9;
 
 constexpr double kNear = 0.02;
 
-bool isPositiveFinite(double value) { return value > 0.0 && std::isfinite(value); }
+bool isPositiveFinite(double value)
+{
+    return value > 0.0 && std::isfinite(value);
+}
 
-bool isDropFrameRate(int rate) { return rate == 29 || rate == 30; }
+bool isDropFrameRate(int rate)
+{
+    return rate == 29 || rate == 30;
+}
 
 int32_t clampToInt32(int64_t value)
 {
@@ -70,21 +76,21 @@ struct NamedRate {
     const char* dropText;
 };
 
-constexpr std::array kNamedRates {
-    NamedRate {23.976, 23.9, 24.0, "23.976", "23.976"},
-    NamedRate {24.0, 24.0, 24.0, "24", "24"},
-    NamedRate {25.0, 25.0, 25.0, "25", "25"},
-    NamedRate {29.97, 29.9, 30.0, "29.97 NDF", "29.97 DF"},
-    NamedRate {30.0, 30.0, 30.0, "30", "30 DF"},
-    NamedRate {59.94, 59.9, 60.0, "59.94", "59.94"},
-    NamedRate {60.0, 60.0, 60.0, "60", "60"},
+constexpr std::array kNamedRates{
+    NamedRate{ 23.976, 23.9, 24.0, "23.976", "23.976" },
+    NamedRate{ 24.0, 24.0, 24.0, "24", "24" },
+    NamedRate{ 25.0, 25.0, 25.0, "25", "25" },
+    NamedRate{ 29.97, 29.9, 30.0, "29.97 NDF", "29.97 DF" },
+    NamedRate{ 30.0, 30.0, 30.0, "30", "30 DF" },
+    NamedRate{ 59.94, 59.9, 60.0, "59.94", "59.94" },
+    NamedRate{ 60.0, 60.0, 60.0, "60", "60" },
 };
 
 /// Three decimals at most, without trailing zeros; the same under every locale.
 std::string plainNumber(double value)
 {
     // The largest double has 309 digits before the point.
-    std::array<char, 320> digits {};
+    std::array<char, 320> digits{};
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed, 3);
     std::string text(digits.data(), end.ptr);
     while (text.size() > 1 && text.back() == '0')
@@ -112,13 +118,13 @@ std::string Timecode::toString() const
 int64_t Timecode::toFrames() const
 {
     if (dropFrame && isDropFrameRate(frameRate)) {
-        return int64_t {hours} * kDropFramesPerHour + int64_t {minutes / 10} * kDropFramesPerTenMinutes
-            + int64_t {minutes % 10} * kDropFramesPerMinute + int64_t {seconds} * 30 + frames;
+        return int64_t{ hours } * kDropFramesPerHour + int64_t{ minutes / 10 } * kDropFramesPerTenMinutes
+            + int64_t{ minutes % 10 } * kDropFramesPerMinute + int64_t{ seconds } * 30 + frames;
     }
     // Unsigned, so that hours no day has wrap around instead of overflowing.
     const uint32_t wholeSeconds
         = static_cast<uint32_t>(hours) * 3600u + static_cast<uint32_t>(minutes) * 60u + static_cast<uint32_t>(seconds);
-    return int64_t {static_cast<int32_t>(wholeSeconds * static_cast<uint32_t>(frameRate))} + frames;
+    return int64_t{ static_cast<int32_t>(wholeSeconds * static_cast<uint32_t>(frameRate)) } + frames;
 }
 
 Timecode Timecode::fromFrames(int64_t count, int rate, bool drop)

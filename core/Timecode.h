@@ -41,11 +41,12 @@ struct Timecode {
     /// True if `flag` is set and `rate` rounds to 29 or 30. False if it isn't positive and finite.
     static bool usesDropFrame(double rate, bool flag);
 
-    /// Frames of 24 hours at a nominal rate; 24 stands in for a rate that is less than 1. Only 30 has a drop-frame count.
+    /// Frames of 24 hours at a nominal rate; 24 stands in for a rate that is less than 1. Only 30 has a drop-frame
+    /// count.
     static int64_t framesPerDay(int nominalRate, bool drop);
 
-    /// The rate as people write it: "23.976", "25", "29.97 DF". `drop` is taken as it is, only the rate decides whether it
-    /// shows. "--" if `rate` isn't positive and finite.
+    /// The rate as people write it: "23.976", "25", "29.97 DF". `drop` is taken as it is, only the rate decides whether
+    /// it shows. "--" if `rate` isn't positive and finite.
     static std::string formatFrameRate(double rate, bool drop);
 
     /// The timecode at `position` seconds into a file that starts `timeReference` samples after midnight, counted in

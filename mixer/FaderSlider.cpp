@@ -17,7 +17,7 @@ constexpr char kPictureName[] = "fader.png";
 
 // Relative to the program's folder, first hit first: beside it, in an application bundle, and up from the places
 // where builds put the program.
-constexpr std::array kPictureFolders {"/", "/../Resources/", "/../../", "/../../../assets/", "/../../assets/"};
+constexpr std::array kPictureFolders{ "/", "/../Resources/", "/../../", "/../../../assets/", "/../../assets/" };
 
 } // namespace
 
@@ -26,8 +26,7 @@ QPoint faderCapTopLeft(QPoint handleCentre, QSize cap)
     return handleCentre - QPoint((cap.width() - 1) / 2, (cap.height() - 1) / 2);
 }
 
-FaderSlider::FaderSlider(Qt::Orientation orientation, QWidget* parent)
-    : QSlider(orientation, parent)
+FaderSlider::FaderSlider(Qt::Orientation orientation, QWidget* parent) : QSlider(orientation, parent)
 {
     if (QStyle* fusion = QStyleFactory::create(QStringLiteral("Fusion"))) {
         fusion->setParent(this);

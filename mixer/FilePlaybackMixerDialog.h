@@ -30,9 +30,9 @@ class FilePlaybackMixerDialog : public QDialog {
     Q_OBJECT
 
 public:
-    /// Opens the file at `path` and builds the window, which is not shown yet. `trackNames` may be shorter or longer than
-    /// the file has channels. `metadata` is only read during the call. If the file can't be played a warning box is
-    /// shown and waited for, and the dialog is left as a display, with a strip for each name up to 512.
+    /// Opens the file at `path` and builds the window, which is not shown yet. `trackNames` may be shorter or longer
+    /// than the file has channels. `metadata` is only read during the call. If the file can't be played a warning box
+    /// is shown and waited for, and the dialog is left as a display, with a strip for each name up to 512.
     FilePlaybackMixerDialog(
         const QString& path, const QList<QString>& trackNames, const BwfMetadata& metadata, QWidget* parent);
     ~FilePlaybackMixerDialog() override;

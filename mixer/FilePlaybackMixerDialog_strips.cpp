@@ -32,15 +32,18 @@ constexpr char kDbStyle[] = "font-size: %1px; color: %2;";
 
 // The standard handle is as large as the cap and invisible: the slider itself draws the picture over it.
 constexpr char kFaderStyle[]
-    = "QSlider {    background: transparent;    padding: 0px;    margin: 0px;}QSlider::groove:vertical {    background: "
+    = "QSlider {    background: transparent;    padding: 0px;    margin: 0px;}QSlider::groove:vertical {    "
+      "background: "
       "qlineargradient(x1:0, y1:0, x2:1, y2:0,         stop:0 #0a0a0a, stop:0.45 #222, stop:0.5 #333, stop:0.55 #222, "
       "stop:1 #0a0a0a);    width: 6px;    border-radius: 3px;    border: 1px solid %1;    margin: %2px 0px;}"
-      "QSlider::handle:vertical {    width: %3px;    height: %4px;    margin: -%5px -%6px;    background: transparent;    "
+      "QSlider::handle:vertical {    width: %3px;    height: %4px;    margin: -%5px -%6px;    background: transparent; "
+      "   "
       "border: none;}";
 
 constexpr char kButtonStyle[]
     = "QPushButton {  background-color: #3a3a3a;  color: #ccc;  border: 1px solid #555;  border-radius: 3px;  "
-      "font-size: 10px;  font-weight: bold;}QPushButton:checked {  background-color: #c0392b;  color: #fff;  border: 1px "
+      "font-size: 10px;  font-weight: bold;}QPushButton:checked {  background-color: #c0392b;  color: #fff;  border: "
+      "1px "
       "solid #e74c3c;}QPushButton:hover { border: 1px solid #888; }";
 
 QString faderStyle()
@@ -50,7 +53,10 @@ QString faderStyle()
             QString::number(30), QString::number(15));
 }
 
-QString numbered(const char* name, int track) { return QLatin1String(name) + QString::number(track); }
+QString numbered(const char* name, int track)
+{
+    return QLatin1String(name) + QString::number(track);
+}
 
 QString labelStyle(const char* style, int pixels, const char* colour)
 {

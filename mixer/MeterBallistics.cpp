@@ -11,7 +11,10 @@ constexpr float kSnapDistance = 0.5f;
 
 } // namespace
 
-int clampedReading(int reading) { return std::clamp(reading, 0, kFullScale); }
+int clampedReading(int reading)
+{
+    return std::clamp(reading, 0, kFullScale);
+}
 
 float nextLevel(float level, int reading)
 {
@@ -25,20 +28,20 @@ float nextLevel(float level, int reading)
 PeakLine nextPeakLine(PeakLine line, int reading)
 {
     if (reading >= line.position)
-        return {reading, kPeakHoldCalls};
+        return { reading, kPeakHoldCalls };
     if (line.callsLeft < 1)
-        return {std::max(reading, line.position - kPeakFallPerCall), line.callsLeft};
-    return {line.position, line.callsLeft - 1};
+        return { std::max(reading, line.position - kPeakFallPerCall), line.callsLeft };
+    return { line.position, line.callsLeft - 1 };
 }
 
 Clip nextClip(Clip clip, int reading)
 {
     if (reading >= kClipThreshold)
-        return {true, kClipCalls};
+        return { true, kClipCalls };
     if (!clip.on || clip.callsLeft < 1)
         return clip;
     const int32_t left = clip.callsLeft - 1;
-    return {left > 0, left};
+    return { left > 0, left };
 }
 
 } // namespace MeterBallistics

@@ -11,7 +11,10 @@ constexpr int kFirstLineColumn = 3;
 constexpr float kYellowFrom = 0.4f;
 constexpr float kRedFrom = 0.7f;
 
-float partOfFullScale(float level) { return level / static_cast<float>(MeterBallistics::kFullScale); }
+float partOfFullScale(float level)
+{
+    return level / static_cast<float>(MeterBallistics::kFullScale);
+}
 
 } // namespace
 
@@ -34,8 +37,8 @@ QColor meterPeakColour(int32_t position)
 {
     const float part = partOfFullScale(static_cast<float>(position));
     if (part < kYellowFrom)
-        return {100, 255, 120, 220};
+        return { 100, 255, 120, 220 };
     if (part < kRedFrom)
-        return {255, 240, 60, 220};
-    return {255, 80, 60, 240};
+        return { 255, 240, 60, 220 };
+    return { 255, 80, 60, 240 };
 }

@@ -14,8 +14,8 @@ struct MeterGeometry {
     int innerWidth() const { return width - 2; }
     int innerHeight() const { return height - 2; }
 
-    QRect outer() const { return {0, 0, width, height}; }
-    QRect inner() const { return {1, 1, innerWidth(), innerHeight()}; }
+    QRect outer() const { return { 0, 0, width, height }; }
+    QRect inner() const { return { 1, 1, innerWidth(), innerHeight() }; }
 
     /// The bar at a level of 0 to 1000. Empty if it is less than a pixel long.
     QRect bar(float level) const;
@@ -24,7 +24,7 @@ struct MeterGeometry {
     int peakLineX(int32_t position) const;
 
     /// The block at the right end that shows a clip.
-    QRect clipBlock() const { return {width - 5, 1, 4, innerHeight()}; }
+    QRect clipBlock() const { return { width - 5, 1, 4, innerHeight() }; }
 };
 
 /// Green, yellow or red, by the line's position of 0 to 1000.

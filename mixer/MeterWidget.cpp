@@ -19,30 +19,29 @@ struct Stop {
     QRgb colour;
 };
 
-constexpr std::array kArmedStops {
-    Stop {0.0, qRgb(0, 190, 80)},
-    Stop {0.28, qRgb(0, 210, 60)},
-    Stop {0.4, qRgb(80, 220, 0)},
-    Stop {0.55, qRgb(230, 210, 0)},
-    Stop {0.7, qRgb(255, 160, 0)},
-    Stop {0.82, qRgb(255, 60, 20)},
-    Stop {1.0, qRgb(255, 20, 20)},
+constexpr std::array kArmedStops{
+    Stop{ 0.0, qRgb(0, 190, 80) },
+    Stop{ 0.28, qRgb(0, 210, 60) },
+    Stop{ 0.4, qRgb(80, 220, 0) },
+    Stop{ 0.55, qRgb(230, 210, 0) },
+    Stop{ 0.7, qRgb(255, 160, 0) },
+    Stop{ 0.82, qRgb(255, 60, 20) },
+    Stop{ 1.0, qRgb(255, 20, 20) },
 };
 
-constexpr std::array kUnarmedStops {
-    Stop {0.0, qRgb(42, 42, 48)},
-    Stop {0.5, qRgb(38, 38, 44)},
-    Stop {1.0, qRgb(32, 32, 38)},
+constexpr std::array kUnarmedStops{
+    Stop{ 0.0, qRgb(42, 42, 48) },
+    Stop{ 0.5, qRgb(38, 38, 44) },
+    Stop{ 1.0, qRgb(32, 32, 38) },
 };
 
-constexpr std::array kGlossStops {
-    Stop {0.0, qRgba(255, 255, 255, 55)},
-    Stop {0.4, qRgba(255, 255, 255, 0)},
-    Stop {1.0, qRgba(0, 0, 0, 25)},
+constexpr std::array kGlossStops{
+    Stop{ 0.0, qRgba(255, 255, 255, 55) },
+    Stop{ 0.4, qRgba(255, 255, 255, 0) },
+    Stop{ 1.0, qRgba(0, 0, 0, 25) },
 };
 
-template <size_t N>
-void setStops(QLinearGradient& gradient, const std::array<Stop, N>& stops)
+template <size_t N> void setStops(QLinearGradient& gradient, const std::array<Stop, N>& stops)
 {
     for (const Stop& stop : stops)
         gradient.setColorAt(stop.at, QColor::fromRgba(stop.colour));
@@ -50,8 +49,7 @@ void setStops(QLinearGradient& gradient, const std::array<Stop, N>& stops)
 
 } // namespace
 
-MeterWidget::MeterWidget(QWidget* parent)
-    : QWidget(parent)
+MeterWidget::MeterWidget(QWidget* parent) : QWidget(parent)
 {
     setMinimumHeight(12);
     setMinimumWidth(100);
@@ -67,10 +65,10 @@ void MeterWidget::setValue(int reading)
 
     value = clampedReading(reading);
     smoothed = nextLevel(smoothed, value);
-    const PeakLine line = nextPeakLine({peakHold, peakHoldTicks}, value);
+    const PeakLine line = nextPeakLine({ peakHold, peakHoldTicks }, value);
     peakHold = line.position;
     peakHoldTicks = line.callsLeft;
-    const Clip clip = nextClip({clipped, clipTicks}, reading);
+    const Clip clip = nextClip({ clipped, clipTicks }, reading);
     clipped = clip.on;
     clipTicks = clip.callsLeft;
 
@@ -116,7 +114,7 @@ void MeterWidget::mousePressEvent(QMouseEvent* event)
 
 void MeterWidget::paintEvent(QPaintEvent*)
 {
-    const MeterGeometry geometry {width(), height()};
+    const MeterGeometry geometry{ width(), height() };
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.fillRect(geometry.outer(), QColor(18, 18, 22));
@@ -159,7 +157,7 @@ void MeterWidget::paintPeakLine(QPainter& painter, int x) const
 
 void MeterWidget::paintClip(QPainter& painter) const
 {
-    const MeterGeometry geometry {width(), height()};
+    const MeterGeometry geometry{ width(), height() };
     painter.fillRect(geometry.clipBlock(), QColor(255, 30, 30));
     painter.setPen(QPen(QColor(255, 80, 80), 1.0));
     painter.setBrush(Qt::NoBrush);

@@ -14,8 +14,8 @@ class MeterWidget : public QWidget {
 public:
     explicit MeterWidget(QWidget* parent = nullptr);
 
-    /// Takes one reading in thousandths of full scale. Levels show clamped to 0 … 1000; the clip threshold of 867 applies
-    /// to the reading as it comes.
+    /// Takes one reading in thousandths of full scale. Levels show clamped to 0 … 1000; the clip threshold of 867
+    /// applies to the reading as it comes.
     void setValue(int reading);
 
     /// A meter that isn't armed draws a grey bar without peak line and clip indicator; its state moves on all the same.

@@ -10,11 +10,17 @@ constexpr float kGap = 0.5f;
 constexpr int kFlatHeight = 2;
 
 /// Cut towards zero. An infinite sample in the file scales itself to not-a-number, which counts as 0.
-int toPixels(float length) { return std::isfinite(length) ? static_cast<int>(length) : 0; }
+int toPixels(float length)
+{
+    return std::isfinite(length) ? static_cast<int>(length) : 0;
+}
 
 } // namespace
 
-float WaveformGeometry::pitch() const { return static_cast<float>(width) / static_cast<float>(bars); }
+float WaveformGeometry::pitch() const
+{
+    return static_cast<float>(width) / static_cast<float>(bars);
+}
 
 QRectF WaveformGeometry::barRect(size_t index, WaveformPeak peak) const
 {
@@ -24,11 +30,14 @@ QRectF WaveformGeometry::barRect(size_t index, WaveformPeak peak) const
     const float left = static_cast<float>(index) * pitch();
     const float barWidth = std::max(1.0f, pitch() - kGap);
     if (high > low)
-        return {left, static_cast<qreal>(middle() - high), barWidth, static_cast<qreal>(high - low)};
-    return {left, static_cast<qreal>(middle() - 1), barWidth, kFlatHeight};
+        return { left, static_cast<qreal>(middle() - high), barWidth, static_cast<qreal>(high - low) };
+    return { left, static_cast<qreal>(middle() - 1), barWidth, kFlatHeight };
 }
 
-int WaveformGeometry::playheadX(double position) const { return static_cast<int>(position * width); }
+int WaveformGeometry::playheadX(double position) const
+{
+    return static_cast<int>(position * width);
+}
 
 double WaveformGeometry::ratioAt(double x) const
 {

@@ -13,13 +13,19 @@ constexpr float kQuietest = 0.001f;
 constexpr size_t kLanes = 16;
 
 // Written so that a sample that isn't a number loses both comparisons.
-float lower(float sample, float lowest) { return sample < lowest ? sample : lowest; }
-float higher(float sample, float highest) { return sample > highest ? sample : highest; }
+float lower(float sample, float lowest)
+{
+    return sample < lowest ? sample : lowest;
+}
+float higher(float sample, float highest)
+{
+    return sample > highest ? sample : highest;
+}
 
 WaveformPeak peakOf(const float* samples, size_t count)
 {
-    std::array<float, kLanes> lowest {};
-    std::array<float, kLanes> highest {};
+    std::array<float, kLanes> lowest{};
+    std::array<float, kLanes> highest{};
     size_t i = 0;
     for (; i + kLanes <= count; i += kLanes) {
         for (size_t lane = 0; lane < kLanes; ++lane) {
@@ -31,14 +37,14 @@ WaveformPeak peakOf(const float* samples, size_t count)
         lowest[0] = lower(samples[i], lowest[0]);
         highest[0] = higher(samples[i], highest[0]);
     }
-    return {*std::min_element(lowest.begin(), lowest.end()), *std::max_element(highest.begin(), highest.end())};
+    return { *std::min_element(lowest.begin(), lowest.end()), *std::max_element(highest.begin(), highest.end()) };
 }
 
 void scaleToFullHeight(std::vector<WaveformPeak>& peaks)
 {
     float loudest = 0.0f;
     for (const WaveformPeak& peak : peaks)
-        loudest = std::max({loudest, std::fabs(peak.first), std::fabs(peak.second)});
+        loudest = std::max({ loudest, std::fabs(peak.first), std::fabs(peak.second) });
     if (!(loudest > kQuietest))
         return;
     const float factor = 1.0f / loudest;
@@ -64,7 +70,7 @@ void WaveformPeakBuilder::add(const float* samples, size_t count)
         WaveformPeak& bar = peaks[taken / perBar];
         const size_t inBar = std::min(end - taken, perBar - taken % perBar);
         const WaveformPeak part = peakOf(samples, inBar);
-        bar = {std::min(bar.first, part.first), std::max(bar.second, part.second)};
+        bar = { std::min(bar.first, part.first), std::max(bar.second, part.second) };
         samples += inBar;
         taken += inBar;
     }

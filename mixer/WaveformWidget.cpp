@@ -21,14 +21,13 @@ constexpr double kSmallestMove = 0.001;
 size_t framesToExpect(const WavFileReader& reader, const std::string& path)
 {
     const qint64 fileBytes = QFileInfo(QString::fromStdString(path)).size();
-    const qint64 frameBytes = qint64 {reader.getChannels()} * (reader.getBitsPerSample() / 8);
+    const qint64 frameBytes = qint64{ reader.getChannels() } * (reader.getBitsPerSample() / 8);
     return static_cast<size_t>(std::min<qint64>(reader.getTotalFrames(), fileBytes / frameBytes));
 }
 
 /// Hands the first channel to `take(samples, count)` block by block, from the start to the end of what is there. The
 /// reader decodes no more than that channel.
-template <typename Take>
-void readFirstChannel(WavFileReader& reader, Take take)
+template <typename Take> void readFirstChannel(WavFileReader& reader, Take take)
 {
     std::vector<float> block(kReadFrames);
     while (!reader.isAtEnd()) {
@@ -41,8 +40,7 @@ void readFirstChannel(WavFileReader& reader, Take take)
 
 } // namespace
 
-WaveformWidget::WaveformWidget(QWidget* parent)
-    : QWidget(parent)
+WaveformWidget::WaveformWidget(QWidget* parent) : QWidget(parent)
 {
     setMinimumHeight(80);
     setMaximumHeight(120);
@@ -115,7 +113,7 @@ void WaveformWidget::mousePressEvent(QMouseEvent* event)
 {
     if (peaks.empty() || !(duration > 0.0) || event->button() != Qt::LeftButton)
         return;
-    emit seekRequested(WaveformGeometry {width(), height(), peaks.size()}.ratioAt(event->position().x()));
+    emit seekRequested(WaveformGeometry{ width(), height(), peaks.size() }.ratioAt(event->position().x()));
 }
 
 void WaveformWidget::paintEvent(QPaintEvent*)
@@ -156,14 +154,14 @@ void WaveformWidget::paintBars(QPainter& painter) const
     painter.setPen(Qt::NoPen);
     painter.setBrush(colours);
 
-    const WaveformGeometry geometry {width(), height(), peaks.size()};
+    const WaveformGeometry geometry{ width(), height(), peaks.size() };
     for (size_t i = 0; i < peaks.size(); ++i)
         painter.drawRect(geometry.barRect(i, peaks[i]));
 }
 
 void WaveformWidget::paintLines(QPainter& painter) const
 {
-    const WaveformGeometry geometry {width(), height(), peaks.size()};
+    const WaveformGeometry geometry{ width(), height(), peaks.size() };
     const QPen grey(QColor(60, 60, 60), 1);
     painter.setPen(grey);
     painter.drawLine(0, geometry.middle(), width(), geometry.middle());
@@ -177,4 +175,7 @@ void WaveformWidget::paintLines(QPainter& painter) const
     painter.drawRect(0, 0, width() - 1, height() - 1);
 }
 
-void WaveformWidget::resizeEvent(QResizeEvent*) { update(); }
+void WaveformWidget::resizeEvent(QResizeEvent*)
+{
+    update();
+}

@@ -9,18 +9,18 @@
 #include <string>
 #include <vector>
 
-/// An overview of a WAV file's first channel as upright bars with a playhead; a click asks for a seek. Reads the file by
-/// itself, apart from the player. The bars are made once at load, so painting costs the same for all lengths of file.
-/// Thread: main only.
+/// An overview of a WAV file's first channel as upright bars with a playhead; a click asks for a seek. Reads the file
+/// by itself, apart from the player. The bars are made once at load, so painting costs the same for all lengths of
+/// file. Thread: main only.
 class WaveformWidget : public QWidget {
     Q_OBJECT
 
 public:
     explicit WaveformWidget(QWidget* parent = nullptr);
 
-    /// Shows the file at `path` (UTF-8). Reads it to its end before it returns. If it is shorter than it claims it is read
-    /// twice, and its first channel is held in memory meanwhile, four bytes a frame. False if it can't be played or has
-    /// no frames; the widget is then empty.
+    /// Shows the file at `path` (UTF-8). Reads it to its end before it returns. If it is shorter than it claims it is
+    /// read twice, and its first channel is held in memory meanwhile, four bytes a frame. False if it can't be played
+    /// or has no frames; the widget is then empty.
     bool loadFile(const std::string& path);
 
     /// Shows nothing.

@@ -28,19 +28,20 @@ struct Recording {
     std::vector<std::string> tracks;
 };
 
-const std::vector<std::string> kSingle = {"Boom"};
-const std::vector<std::string> kPair = {"Boom", "Plant"};
-const std::vector<std::string> kEight = {"Mix L", "Mix R", "Boom", "Anna", "Ben", "Clara", "Plant", "Spare"};
+const std::vector<std::string> kSingle = { "Boom" };
+const std::vector<std::string> kPair = { "Boom", "Plant" };
+const std::vector<std::string> kEight = { "Mix L", "Mix R", "Boom", "Anna", "Ben", "Clara", "Plant", "Spare" };
 
 const std::vector<Recording> kDay = {
-    {"12A-T1.WAV", "12A", "1", "ROLL07", "Plane overhead", false, false, 48000, 24, "25/1", 33120, 14.0, kEight},
-    {"12A-T2.WAV", "12A", "2", "ROLL07", "Good for sound", true, false, 48000, 24, "25/1", 33245, 17.0, kEight},
-    {"12B-T1.WAV", "12B", "1", "ROLL07", "Boom only", false, false, 48000, 24, "25/1", 35010, 9.0, kSingle},
-    {"12B-T2.WAV", "12B", "2", "ROLL07", "", false, false, 48000, 24, "25/1", 35122, 11.0, kPair},
-    {"31-T1.WAV", "31", "1", "ROLL08", "Rain on the roof", false, false, 48000, 24, "24000/1001", 51300, 12.0, kEight},
-    {"31-T2.WAV", "31", "2", "ROLL08", "", true, false, 48000, 24, "24000/1001", 51422, 10.0, kPair},
-    {"WT-Street.WAV", "31", "WT1", "ROLL08", "Street, no traffic", false, true, 96000, 24, "25/1", 54000, 8.0, kPair},
-    {"Guide-T1.WAV", "44", "1", "ROLL09", "Camera guide", false, false, 44100, 16, "30000/1001", 61200, 9.0, kPair},
+    { "12A-T1.WAV", "12A", "1", "ROLL07", "Plane overhead", false, false, 48000, 24, "25/1", 33120, 14.0, kEight },
+    { "12A-T2.WAV", "12A", "2", "ROLL07", "Good for sound", true, false, 48000, 24, "25/1", 33245, 17.0, kEight },
+    { "12B-T1.WAV", "12B", "1", "ROLL07", "Boom only", false, false, 48000, 24, "25/1", 35010, 9.0, kSingle },
+    { "12B-T2.WAV", "12B", "2", "ROLL07", "", false, false, 48000, 24, "25/1", 35122, 11.0, kPair },
+    { "31-T1.WAV", "31", "1", "ROLL08", "Rain on the roof", false, false, 48000, 24, "24000/1001", 51300, 12.0,
+        kEight },
+    { "31-T2.WAV", "31", "2", "ROLL08", "", true, false, 48000, 24, "24000/1001", 51422, 10.0, kPair },
+    { "WT-Street.WAV", "31", "WT1", "ROLL08", "Street, no traffic", false, true, 96000, 24, "25/1", 54000, 8.0, kPair },
+    { "Guide-T1.WAV", "44", "1", "ROLL09", "Camera guide", false, false, 44100, 16, "30000/1001", 61200, 9.0, kPair },
 };
 
 void putNumber(std::string& out, uint64_t value, int width)
@@ -73,7 +74,7 @@ uint32_t timestampRate(const Recording& recording)
 
 uint64_t timeReference(const Recording& recording)
 {
-    return uint64_t{recording.startSecond} * timestampRate(recording);
+    return uint64_t{ recording.startSecond } * timestampRate(recording);
 }
 
 std::string bextPayload(const Recording& recording)

@@ -16,8 +16,7 @@ namespace {
 
 class DragSource : public QLabel {
 public:
-    explicit DragSource(QList<QUrl> dragged)
-        : urls(std::move(dragged))
+    explicit DragSource(QList<QUrl> dragged) : urls(std::move(dragged))
     {
         setWindowTitle("Drag Source");
         setAccessibleName("Drag Source");

@@ -31,5 +31,11 @@ enum class TrackColumn {
 inline constexpr int kTrackColumnCount = 4;
 
 /// The column's index in its table.
-constexpr int indexOf(FileColumn column) { return static_cast<int>(column); }
-constexpr int indexOf(TrackColumn column) { return static_cast<int>(column); }
+constexpr int indexOf(FileColumn column)
+{
+    return static_cast<int>(column);
+}
+constexpr int indexOf(TrackColumn column)
+{
+    return static_cast<int>(column);
+}

@@ -49,7 +49,8 @@ private:
             addEntry(entries, *each);
         std::sort(entries.begin(), entries.end(),
             [](const Entry& a, const Entry& b) { return a.name.compare(b.name, Qt::CaseInsensitive) < 0; });
-        needsFullSort = needsFullSort || std::adjacent_find(entries.begin(), entries.end(), sameFolderButForCase) != entries.end();
+        needsFullSort = needsFullSort
+            || std::adjacent_find(entries.begin(), entries.end(), sameFolderButForCase) != entries.end();
         return entries;
     }
 

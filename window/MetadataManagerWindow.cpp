@@ -29,7 +29,7 @@ constexpr int kPlayColumnWidth = 40;
 constexpr int kSmallestColumnWidth = 24;
 constexpr int kPlayButtonsAtOnce = 100;
 
-constexpr std::array<const char*, kFileColumnCount> kFileHeaders { "", "File Name", "File Size", "Channels", "TAPEID",
+constexpr std::array<const char*, kFileColumnCount> kFileHeaders{ "", "File Name", "File Size", "Channels", "TAPEID",
     "SCENE", "TAKE", "START TC", "LENGTH", "DATE", "CIRCLED", "SAMPLE RATE", "FRAME RATE", "Notes" };
 
 void keepSplitterOpen(QSplitter* splitter)
@@ -40,8 +40,7 @@ void keepSplitterOpen(QSplitter* splitter)
 
 } // namespace
 
-MetadataManagerWindow::MetadataManagerWindow(QWidget* parent)
-    : QMainWindow(parent)
+MetadataManagerWindow::MetadataManagerWindow(QWidget* parent) : QMainWindow(parent)
 {
     setWindowTitle(QStringLiteral("Metadata Manager - BWF Editor"));
     setAcceptDrops(true);
@@ -50,7 +49,10 @@ MetadataManagerWindow::MetadataManagerWindow(QWidget* parent)
     setupUI();
 }
 
-MetadataManagerWindow::~MetadataManagerWindow() { closePlaybackOverlay(); }
+MetadataManagerWindow::~MetadataManagerWindow()
+{
+    closePlaybackOverlay();
+}
 
 void MetadataManagerWindow::setupUI()
 {
@@ -228,13 +230,22 @@ void MetadataManagerWindow::fitFileColumns()
     fileTable->setColumnWidth(indexOf(FileColumn::Play), kPlayColumnWidth);
 }
 
-bool MetadataManagerWindow::hasRecord(int row) const { return row >= 0 && row < records.size(); }
+bool MetadataManagerWindow::hasRecord(int row) const
+{
+    return row >= 0 && row < records.size();
+}
 
-QString MetadataManagerWindow::formatFileSize(unsigned long long bytes) { return fileSizeText(bytes); }
+QString MetadataManagerWindow::formatFileSize(unsigned long long bytes)
+{
+    return fileSizeText(bytes);
+}
 
 QString MetadataManagerWindow::formatTimecode(unsigned long long samples, unsigned int sampleRate, double frameRate)
 {
     return timecodeText(samples, sampleRate, frameRate);
 }
 
-QString MetadataManagerWindow::formatDuration(double seconds) { return durationText(seconds); }
+QString MetadataManagerWindow::formatDuration(double seconds)
+{
+    return durationText(seconds);
+}

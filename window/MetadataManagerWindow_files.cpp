@@ -26,7 +26,10 @@ constexpr char kLastDirectoryKey[] = "metadataManager.lastDir";
 /// Written by other programs of the family, only read here.
 constexpr char kLastRecordingKey[] = "lastRecording.folderPath";
 
-bool hasWavSuffix(const QFileInfo& file) { return file.suffix().compare(QLatin1String("wav"), Qt::CaseInsensitive) == 0; }
+bool hasWavSuffix(const QFileInfo& file)
+{
+    return file.suffix().compare(QLatin1String("wav"), Qt::CaseInsensitive) == 0;
+}
 
 QList<QString> localPaths(const QMimeData* data)
 {
@@ -52,8 +55,7 @@ QString nearestExistingFolder(const QString& dir)
 }
 
 /// `list` without the entries at `rows`, which are ascending and in range.
-template <typename Entry>
-void eraseRows(QList<Entry>& list, const QList<int>& rows)
+template <typename Entry> void eraseRows(QList<Entry>& list, const QList<int>& rows)
 {
     auto nextErased = rows.begin();
     auto kept = list.begin();
@@ -130,7 +132,10 @@ void removeScattered(QTableWidget* table, const QList<int>& rows)
 
 } // namespace
 
-void MetadataManagerWindow::openFileDialog() { onAdd(); }
+void MetadataManagerWindow::openFileDialog()
+{
+    onAdd();
+}
 
 void MetadataManagerWindow::onAdd()
 {
@@ -239,7 +244,8 @@ void MetadataManagerWindow::removeRows(const QList<int>& rows)
 {
     for (const int row : rows)
         listedPaths.remove(filePaths.at(row));
-    rowsWithPlayButton -= static_cast<int>(std::lower_bound(rows.begin(), rows.end(), rowsWithPlayButton) - rows.begin());
+    rowsWithPlayButton
+        -= static_cast<int>(std::lower_bound(rows.begin(), rows.end(), rowsWithPlayButton) - rows.begin());
     eraseRows(records, rows);
     eraseRows(filePaths, rows);
     {

@@ -24,7 +24,7 @@
 namespace {
 
 constexpr int kNotesMaximumHeight = 100;
-constexpr std::array<const char*, kTrackColumnCount> kTrackHeaders { "Interleave", "Channel", "Track Name", "Function" };
+constexpr std::array<const char*, kTrackColumnCount> kTrackHeaders{ "Interleave", "Channel", "Track Name", "Function" };
 
 /// Where one pane's size in pixels is kept, and what it is when nothing usable is.
 struct PaneSize {
@@ -32,15 +32,15 @@ struct PaneSize {
     int defaultSize;
 };
 
-constexpr std::array kFilesPaneSizes {
-    PaneSize { "metadataManager.split.files", 300 },
-    PaneSize { "metadataManager.split.details", 480 },
+constexpr std::array kFilesPaneSizes{
+    PaneSize{ "metadataManager.split.files", 300 },
+    PaneSize{ "metadataManager.split.details", 480 },
 };
 
-constexpr std::array kDetailPaneSizes {
-    PaneSize { "metadataManager.split.general", 360 },
-    PaneSize { "metadataManager.split.recording", 360 },
-    PaneSize { "metadataManager.split.tracks", 360 },
+constexpr std::array kDetailPaneSizes{
+    PaneSize{ "metadataManager.split.general", 360 },
+    PaneSize{ "metadataManager.split.recording", 360 },
+    PaneSize{ "metadataManager.split.tracks", 360 },
 };
 
 void storeSizes(const QSplitter* splitter, std::span<const PaneSize> panes)
@@ -173,7 +173,7 @@ void MetadataManagerWindow::buildTrackPane()
 
 void MetadataManagerWindow::setTabOrders()
 {
-    const QList<QWidget*> order { fileTable, addButton, removeFileButton, clearButton, soundReportButton, sceneEdit,
+    const QList<QWidget*> order{ fileTable, addButton, removeFileButton, clearButton, soundReportButton, sceneEdit,
         takeEdit, circledCheck, wildTrackCheck, projectEdit, tapeIdEdit, notesEdit, timecodeButton, trackTable,
         saveButton };
     for (qsizetype i = 1; i < order.size(); ++i)

@@ -22,7 +22,7 @@ namespace {
 constexpr int kIconSize = 18;
 constexpr QSize kPlayButtonSize(28, 24);
 constexpr char kPlayColour[] = "#1a7f37";
-constexpr std::array kTriangle {QPoint(5, 3), QPoint(5, 15), QPoint(15, 9)};
+constexpr std::array kTriangle{ QPoint(5, 3), QPoint(5, 15), QPoint(15, 9) };
 
 QIcon playIcon()
 {

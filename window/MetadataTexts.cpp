@@ -15,7 +15,7 @@ constexpr uint64_t kSecondsPerMinute = 60;
 constexpr uint64_t kSecondsPerHour = 3600;
 constexpr uint64_t kHoursPerDay = 24;
 constexpr double kUnitStep = 1024.0;
-constexpr std::array kSizeUnits { "B", "KB", "MB", "GB", "TB" };
+constexpr std::array kSizeUnits{ "B", "KB", "MB", "GB", "TB" };
 
 /// The whole part of `value`; 0 for a negative number or none at all, the greatest number for what lies beyond.
 uint64_t wholeOf(double value)
@@ -29,13 +29,22 @@ uint64_t wholeOf(double value)
     return static_cast<uint64_t>(value);
 }
 
-QString twoDigits(uint64_t number) { return QString::number(number).rightJustified(2, u'0'); }
+QString twoDigits(uint64_t number)
+{
+    return QString::number(number).rightJustified(2, u'0');
+}
 
-QString yesOrNo(bool value) { return value ? QStringLiteral("Yes") : QStringLiteral("No"); }
+QString yesOrNo(bool value)
+{
+    return value ? QStringLiteral("Yes") : QStringLiteral("No");
+}
 
 } // namespace
 
-QString noValueMark() { return QStringLiteral("\u2014"); }
+QString noValueMark()
+{
+    return QStringLiteral("\u2014");
+}
 
 QString textFromUtf8(const std::string& bytes)
 {
@@ -101,7 +110,10 @@ QString frameRateText(double frameRate)
     return number + QStringLiteral(" fps");
 }
 
-QString hertzText(uint32_t rate) { return QString::number(rate) + QStringLiteral(" Hz"); }
+QString hertzText(uint32_t rate)
+{
+    return QString::number(rate) + QStringLiteral(" Hz");
+}
 
 QString channelsText(uint16_t channels)
 {

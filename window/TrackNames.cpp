@@ -6,7 +6,10 @@
 
 namespace {
 
-QString trimmedName(const BwfTrack& track) { return QString::fromStdString(track.name).trimmed(); }
+QString trimmedName(const BwfTrack& track)
+{
+    return QString::fromStdString(track.name).trimmed();
+}
 
 /// Later tracks of the same channel win. False if no track has both a name and a channel of the file.
 bool placeByChannel(const BwfMetadata& record, QList<QString>& names)

@@ -5,8 +5,7 @@
 #include <QtGlobal>
 
 /// Names a widget as its member, which is how tests and assistive tools find it. Gives the widget back.
-template <typename Widget>
-Widget* named(const char* name, Widget* widget)
+template <typename Widget> Widget* named(const char* name, Widget* widget)
 {
     widget->setObjectName(QString::fromLatin1(name));
     return widget;

@@ -56,7 +56,12 @@ void plainRead(benchmark::State& state)
     }
     state.SetBytesProcessed(state.iterations() * kTenMinutes * kChannels * 3);
 }
-BENCHMARK(plainRead)->Name("wholeFile/plainRead/bytes")->Arg(8192 * 24)->Arg(1 << 20)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(plainRead)
+    ->Name("wholeFile/plainRead/bytes")
+    ->Arg(8192 * 24)
+    ->Arg(1 << 20)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 void decodeWhole(benchmark::State& state)
 {
@@ -74,7 +79,13 @@ void decodeWhole(benchmark::State& state)
         state.SkipWithError("frames are missing");
     state.SetBytesProcessed(total * kChannels * 3);
 }
-BENCHMARK(decodeWhole)->Name("wholeFile/readFramesSync/frames")->Arg(2048)->Arg(8192)->Arg(65536)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(decodeWhole)
+    ->Name("wholeFile/readFramesSync/frames")
+    ->Arg(2048)
+    ->Arg(8192)
+    ->Arg(65536)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 // Nanoseconds for one sample of a loop, on blocks as the producer has them.
 void decodeLoop(benchmark::State& state, int32_t formatCode, int32_t bits, int32_t outChannels)
@@ -110,8 +121,8 @@ void decodeOneByOne(benchmark::State& state)
             out[i] = decodeSample(in.data() + 3 * i, kFormatInteger, 24);
         benchmark::ClobberMemory();
     }
-    state.counters["perSample"] = benchmark::Counter(static_cast<double>(state.iterations() * kSamples),
-        benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    state.counters["perSample"] = benchmark::Counter(
+        static_cast<double>(state.iterations() * kSamples), benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 BENCHMARK(decodeOneByOne)->Name("decodeLoop/integer24OneByOne");
 
@@ -153,7 +164,14 @@ void ringRead(benchmark::State& state)
     }
     countFrames(state, frames);
 }
-BENCHMARK(ringRead)->Name("readFramesFromRing/channels")->Arg(1)->Arg(2)->Arg(8)->Arg(64)->UseManualTime()->Iterations(20);
+BENCHMARK(ringRead)
+    ->Name("readFramesFromRing/channels")
+    ->Arg(1)
+    ->Arg(2)
+    ->Arg(8)
+    ->Arg(64)
+    ->UseManualTime()
+    ->Iterations(20);
 
 // The same bytes between the same places with memcpy alone.
 void ringMemcpy(benchmark::State& state)
@@ -175,10 +193,17 @@ void ringMemcpy(benchmark::State& state)
     }
     countFrames(state, frames);
 }
-BENCHMARK(ringMemcpy)->Name("readFramesFromRing/memcpy/channels")->Arg(1)->Arg(2)->Arg(8)->Arg(64)->UseManualTime()->Iterations(20);
+BENCHMARK(ringMemcpy)
+    ->Name("readFramesFromRing/memcpy/channels")
+    ->Arg(1)
+    ->Arg(2)
+    ->Arg(8)
+    ->Arg(64)
+    ->UseManualTime()
+    ->Iterations(20);
 
-// From the request to the first new frame in the consumer's hands. The producer sleeps up to 5 ms when the ring is full,
-// and as long again where the consumer notices the seek only after the producer has found no room.
+// From the request to the first new frame in the consumer's hands. The producer sleeps up to 5 ms when the ring is
+// full, and as long again where the consumer notices the seek only after the producer has found no room.
 void seekToFirstFrame(benchmark::State& state)
 {
     const std::string& path = longFile();

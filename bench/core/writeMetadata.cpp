@@ -57,8 +57,8 @@ const std::vector<std::string>& shoot()
 }
 
 /// Open, read the head, two writes, close.
-void patchLeast(const std::string& path, const std::string& description, const std::string& ixml, size_t bextAt,
-    size_t ixmlAt)
+void patchLeast(
+    const std::string& path, const std::string& description, const std::string& ixml, size_t bextAt, size_t ixmlAt)
 {
     static char head[16384];
     const int file = open(path.c_str(), O_RDWR | O_CLOEXEC);
@@ -101,8 +101,14 @@ void saveShoot(benchmark::State& state, bool readBack)
     state.SetItemsProcessed(state.iterations() * kFiles);
 }
 
-void saveOneField(benchmark::State& state) { saveShoot(state, false); }
-void saveOneFieldAndReadBack(benchmark::State& state) { saveShoot(state, true); }
+void saveOneField(benchmark::State& state)
+{
+    saveShoot(state, false);
+}
+void saveOneFieldAndReadBack(benchmark::State& state)
+{
+    saveShoot(state, true);
+}
 
 /// An iXML text of about `bytes` bytes with as many tracks as go in, and the record that renames every one of them.
 struct LargeIxml {
@@ -111,7 +117,7 @@ struct LargeIxml {
         text = "<BWFXML><NOTE>old</NOTE><TRACK_LIST>";
         for (int i = 1; text.size() < bytes; ++i) {
             text += "<TRACK><CHANNEL_INDEX>" + std::to_string(i) + "</CHANNEL_INDEX><NAME>name</NAME></TRACK>\n";
-            renamed.tracks.push_back({i, "n" + std::to_string(i % 10), ""});
+            renamed.tracks.push_back({ i, "n" + std::to_string(i % 10), "" });
         }
         text += "</TRACK_LIST></BWFXML>";
     }
@@ -132,15 +138,21 @@ void editLargeIxml(benchmark::State& state, bool tracks)
     updated.note = "new";
     for (auto _ : state) {
         std::fstream stream(path, std::ios::in | std::ios::out | std::ios::binary);
-        benchmark::DoNotOptimize(BwfMetadataWriter::updateIxmlFields(stream,
-            static_cast<uint32_t>(builder.payloadOffset("iXML")), static_cast<uint32_t>(large.text.size()),
-            BwfMetadata(), updated));
+        benchmark::DoNotOptimize(
+            BwfMetadataWriter::updateIxmlFields(stream, static_cast<uint32_t>(builder.payloadOffset("iXML")),
+                static_cast<uint32_t>(large.text.size()), BwfMetadata(), updated));
     }
     state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(large.text.size()));
 }
 
-void editNoteOfLargeIxml(benchmark::State& state) { editLargeIxml(state, false); }
-void renameAllTracksOfLargeIxml(benchmark::State& state) { editLargeIxml(state, true); }
+void editNoteOfLargeIxml(benchmark::State& state)
+{
+    editLargeIxml(state, false);
+}
+void renameAllTracksOfLargeIxml(benchmark::State& state)
+{
+    editLargeIxml(state, true);
+}
 
 BENCHMARK(leastPatcher)->Unit(benchmark::kMillisecond);
 BENCHMARK(saveOneField)->Unit(benchmark::kMillisecond);

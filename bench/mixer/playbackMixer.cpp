@@ -35,7 +35,7 @@ const std::string& longFile()
     static const TempFolder folder;
     static const std::string path = [] {
         std::string made = folder.file("long.wav");
-        const size_t second = size_t {kRate} * kChannels * 3;
+        const size_t second = size_t{ kRate } * kChannels * 3;
         const auto size = static_cast<uint32_t>(second * 60 * kMinutes);
         const std::string header = WavBuilder().fmt(kRate, kChannels, 24).data("").claimSize("data", size).bytes();
         std::string noise(second, '\0');
@@ -74,7 +74,7 @@ void waveformLoad(benchmark::State& state)
 /// What the load would cost if every channel were decoded in order to keep the first.
 void decodeAllChannels(benchmark::State& state)
 {
-    std::vector<float> block(size_t {8192} * kChannels);
+    std::vector<float> block(size_t{ 8192 } * kChannels);
     for (auto _ : state) {
         WavFileReader reader;
         if (!reader.open(longFile()))
@@ -99,8 +99,8 @@ std::unique_ptr<FilePlaybackMixerDialog> dialogOf(const TempFolder& folder, uint
     DrivenOutput::reset();
     BwfMetadata metadata;
     metadata.frameRate = 25.0;
-    auto dialog = std::make_unique<FilePlaybackMixerDialog>(
-        QString::fromStdString(path), QList<QString>(), metadata, nullptr);
+    auto dialog
+        = std::make_unique<FilePlaybackMixerDialog>(QString::fromStdString(path), QList<QString>(), metadata, nullptr);
     dialog->setAttribute(Qt::WA_DeleteOnClose, false);
     return dialog;
 }
@@ -124,8 +124,7 @@ void uiTick(benchmark::State& state)
         QMetaObject::invokeMethod(dialog.get(), "onUiTick", Qt::DirectConnection);
 }
 
-template <typename Widget>
-void paint(benchmark::State& state, Widget& widget)
+template <typename Widget> void paint(benchmark::State& state, Widget& widget)
 {
     QImage image(widget.size(), QImage::Format_ARGB32_Premultiplied);
     for (auto _ : state)

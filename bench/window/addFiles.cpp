@@ -76,7 +76,8 @@ void removeHalfInOneRun(benchmark::State& state)
         auto* table = window->findChild<QTableWidget*>("fileTable");
         const int half = table->rowCount() / 2;
         table->selectionModel()->select(
-            QItemSelection(table->model()->index(0, 0), table->model()->index(half - 1, 13)), QItemSelectionModel::Select);
+            QItemSelection(table->model()->index(0, 0), table->model()->index(half - 1, 13)),
+            QItemSelectionModel::Select);
         state.ResumeTiming();
 
         QMetaObject::invokeMethod(window.get(), "onRemoveFile");
@@ -95,4 +96,7 @@ BENCHMARK(removeEverySecondRow)->Arg(2500)->Arg(10000)->Unit(benchmark::kMillise
 
 } // namespace
 
-int main(int argc, char** argv) { return runWidgetBenchmarks(argc, argv); }
+int main(int argc, char** argv)
+{
+    return runWidgetBenchmarks(argc, argv);
+}

@@ -51,4 +51,7 @@ BENCHMARK(selectAllRows)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
-int main(int argc, char** argv) { return runWidgetBenchmarks(argc, argv); }
+int main(int argc, char** argv)
+{
+    return runWidgetBenchmarks(argc, argv);
+}

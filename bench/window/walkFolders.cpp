@@ -60,4 +60,7 @@ BENCHMARK(collectWavFiles)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
-int main(int argc, char** argv) { return runWidgetBenchmarks(argc, argv); }
+int main(int argc, char** argv)
+{
+    return runWidgetBenchmarks(argc, argv);
+}

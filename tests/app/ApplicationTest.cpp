@@ -89,7 +89,7 @@ QList<Entry> entriesOf(const QAction* menu)
 {
     QList<Entry> entries;
     for (const QAction* action : menu->menu()->actions())
-        entries.append(action->isSeparator() ? Entry { "---", {} } : Entry { action->text(), action->shortcut() });
+        entries.append(action->isSeparator() ? Entry{ "---", {} } : Entry{ action->text(), action->shortcut() });
     return entries;
 }
 
@@ -112,7 +112,7 @@ TEST_F(ApplicationTest, aFolderNamedAsAWavFileIsTaken)
 {
     std::filesystem::create_directory(folder.file("reel.wav"));
     const QString path = QString::fromStdString(folder.file("reel.wav"));
-    EXPECT_EQ(wavArguments({ "tagwell", path }), QList<QString> { path });
+    EXPECT_EQ(wavArguments({ "tagwell", path }), QList<QString>{ path });
 }
 
 TEST_F(ApplicationTest, theProgramItselfIsNoFile)
@@ -129,14 +129,14 @@ TEST_F(ApplicationTest, relativeArgumentsBecomeAbsolute)
     const QList<QString> files = wavArguments({ "tagwell", "a.wav" });
     const std::string here = std::filesystem::current_path().string();
     std::filesystem::current_path(before);
-    EXPECT_EQ(files, QList<QString> { QString::fromStdString(here + "/a.wav") });
+    EXPECT_EQ(files, QList<QString>{ QString::fromStdString(here + "/a.wav") });
 }
 
 TEST_F(ApplicationTest, onlyTheLastSuffixCounts)
 {
     const QString path = write("take.wav.bak");
     const QString taken = write("take.bak.wav");
-    EXPECT_EQ(wavArguments({ "tagwell", path, taken }), QList<QString> { taken });
+    EXPECT_EQ(wavArguments({ "tagwell", path, taken }), QList<QString>{ taken });
 }
 
 // Menus.

@@ -51,8 +51,8 @@ protected:
     /// can't work under strace.
     int save(const std::string& straceOptions) const
     {
-        const std::string command = "exec strace -E ASAN_OPTIONS=detect_leaks=0 -qq " + straceOptions + " " + SAVE_SETTINGS_DRIVER + " '" + target()
-            + "' " + value + " 2>/dev/null";
+        const std::string command = "exec strace -E ASAN_OPTIONS=detect_leaks=0 -qq " + straceOptions + " "
+            + SAVE_SETTINGS_DRIVER + " '" + target() + "' " + value + " 2>/dev/null";
         const int status = std::system(command.c_str());
         return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
     }

@@ -9,7 +9,10 @@ thread_local int allocations = 0;
 
 } // namespace
 
-int allocationsOfThisThread() { return allocations; }
+int allocationsOfThisThread()
+{
+    return allocations;
+}
 
 // The array forms and the others of the library end in these.
 void* operator new(size_t size)
@@ -20,6 +23,12 @@ void* operator new(size_t size)
     throw std::bad_alloc();
 }
 
-void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
 
-void operator delete(void* memory, size_t) noexcept { std::free(memory); }
+void operator delete(void* memory, size_t) noexcept
+{
+    std::free(memory);
+}

@@ -8,8 +8,7 @@ class PrefetchStepper {
 public:
     /// `wavReader` is open, not prefetching, and outlives the object. `maxChannels` as in `startPrefetch`.
     explicit PrefetchStepper(WavFileReader& wavReader, int32_t maxChannels = 0)
-        : reader(wavReader)
-        , frame(wavReader.position)
+        : reader(wavReader), frame(wavReader.position)
     {
         reader.prepareRing(maxChannels);
         reader.prefetchRunning = true;
@@ -30,8 +29,8 @@ public:
     }
     /// The first step of a pass alone: takes a pending seek.
     void takeSeek() { reader.takeSeekRequest(frame); }
-    /// Takes a pending seek and leaves its generation unseen until `showSeek`, as when the consumer loaded the generation
-    /// just before the seek, and the index of the flush just after it.
+    /// Takes a pending seek and leaves its generation unseen until `showSeek`, as when the consumer loaded the
+    /// generation just before the seek, and the index of the flush just after it.
     void takeSeekUnseen()
     {
         takeSeek();

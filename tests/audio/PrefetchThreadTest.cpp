@@ -1,4 +1,5 @@
-// The ring with its own thread as the producer. Nothing here depends on time: each loop ends after a count of frames or seeks.
+// The ring with its own thread as the producer. Nothing here depends on time: each loop ends after a count of frames or
+// seeks.
 
 #include "audio/WavFileReader.h"
 
@@ -56,7 +57,8 @@ protected:
 
 TempFolder* PrefetchThreadTest::folder = nullptr;
 
-// By turns early and late in the file. No run of the lengths read here gets from one part into the other, or to the end.
+// By turns early and late in the file. No run of the lengths read here gets from one part into the other, or to the
+// end.
 std::vector<int64_t> seekTargets(size_t count)
 {
     std::mt19937 random(11);
@@ -68,14 +70,11 @@ std::vector<int64_t> seekTargets(size_t count)
     return targets;
 }
 
-// Follows what comes out of the ring: each frame is the one behind the last, or the target of a seek that was asked for, in
-// the order of asking.
+// Follows what comes out of the ring: each frame is the one behind the last, or the target of a seek that was asked
+// for, in the order of asking.
 class RunChecker {
 public:
-    explicit RunChecker(const std::vector<int64_t>& seeks)
-        : targets(seeks)
-    {
-    }
+    explicit RunChecker(const std::vector<int64_t>& seeks) : targets(seeks) { }
 
     // `asked` is the number of seeks asked for so far. False at the first wrong frame.
     bool accept(const float* samples, int32_t count, size_t asked)
@@ -148,9 +147,9 @@ TEST_F(PrefetchThreadTest, tenThousandSeeksFromAThirdThreadLeaveEveryRunInOrder)
 {
     const std::vector<int64_t> targets = seekTargets(10'000);
     // Relaxed on purpose: the test adds no order between the threads that the reader doesn't have itself.
-    std::atomic<size_t> asked{0};
-    std::atomic<size_t> arrived{0};
-    std::atomic<bool> failed{false};
+    std::atomic<size_t> asked{ 0 };
+    std::atomic<size_t> arrived{ 0 };
+    std::atomic<bool> failed{ false };
 
     std::thread requester([&] {
         for (size_t i = 0; i < targets.size() && !failed.load(std::memory_order_relaxed); ++i) {
@@ -158,7 +157,8 @@ TEST_F(PrefetchThreadTest, tenThousandSeeksFromAThirdThreadLeaveEveryRunInOrder)
             reader.setPosition(targets[i]);
             // Each eighth seek is waited for. The others follow closely, and some of them overtake the one before.
             std::this_thread::yield();
-            while (i % 8 == 7 && arrived.load(std::memory_order_relaxed) < i + 1 && !failed.load(std::memory_order_relaxed))
+            while (i % 8 == 7 && arrived.load(std::memory_order_relaxed) < i + 1
+                && !failed.load(std::memory_order_relaxed))
                 std::this_thread::yield();
         }
     });

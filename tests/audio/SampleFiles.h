@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <string>
 
-/// `frames` float frames whose sample of channel c in frame f is f x `channels` + c: exact, and each one different, below
-/// 2 to the 24.
+/// `frames` float frames whose sample of channel c in frame f is f x `channels` + c: exact, and each one different,
+/// below 2 to the 24.
 inline std::string numberedFloats(int64_t frames, int32_t channels)
 {
     std::string bytes;

@@ -121,8 +121,8 @@ TEST_F(WavFileReaderHeaderTest, noChannelsDoNotOpen)
 
 TEST_F(WavFileReaderHeaderTest, integerAndFloatFormatsOpen)
 {
-    for (const uint16_t tag : {uint16_t{1}, uint16_t{3}}) {
-        for (const uint16_t bits : {uint16_t{16}, uint16_t{24}, uint16_t{32}}) {
+    for (const uint16_t tag : { uint16_t{ 1 }, uint16_t{ 3 } }) {
+        for (const uint16_t bits : { uint16_t{ 16 }, uint16_t{ 24 }, uint16_t{ 32 } }) {
             ASSERT_TRUE(open(formatFile(2, bits, tag)));
             EXPECT_EQ(reader.getFormatCode(), tag);
             EXPECT_EQ(reader.getBitsPerSample(), bits);
@@ -132,13 +132,13 @@ TEST_F(WavFileReaderHeaderTest, integerAndFloatFormatsOpen)
 
 TEST_F(WavFileReaderHeaderTest, eightBitAndOtherWidthsDoNotOpen)
 {
-    for (const int bits : {0, 1, 8, 12, 15, 17, 20, 31, 33, 48, 64, 0xFFFF})
+    for (const int bits : { 0, 1, 8, 12, 15, 17, 20, 31, 33, 48, 64, 0xFFFF })
         EXPECT_FALSE(open(formatFile(2, static_cast<uint16_t>(bits)))) << bits;
 }
 
 TEST_F(WavFileReaderHeaderTest, extensibleAndOtherFormatsDoNotOpen)
 {
-    for (const int tag : {0xFFFE, 0, 2, 6, 7, 0x55, 0x0301})
+    for (const int tag : { 0xFFFE, 0, 2, 6, 7, 0x55, 0x0301 })
         EXPECT_FALSE(open(formatFile(2, 16, static_cast<uint16_t>(tag)))) << tag;
 }
 
@@ -177,7 +177,7 @@ TEST_F(WavFileReaderHeaderTest, fileCutAnywhereBeforeItsSamplesDoesNotOpen)
 {
     const WavBuilder riff = WavBuilder().chunk("junk", "abc").fmt(48000, 2, 16).dataFrames(4);
     const WavBuilder rf64 = WavBuilder::rf64().ds64(16).fmt(48000, 2, 16).dataFrames(4).claimSize("data", 0xFFFFFFFF);
-    for (const WavBuilder& whole : {riff, rf64}) {
+    for (const WavBuilder& whole : { riff, rf64 }) {
         const size_t start = whole.payloadOffset("data");
         for (size_t size = 0; size < start; ++size)
             EXPECT_FALSE(open(WavBuilder(whole).truncateTo(size))) << size;
@@ -198,9 +198,15 @@ TEST_F(WavFileReaderHeaderTest, fileWithoutDataDoesNotOpen)
 TEST_F(WavFileReaderHeaderTest, otherChunksAreWalkedOverWithTheirPadBytes)
 {
     const std::string big(70001, 'x');
-    ASSERT_TRUE(open(WavBuilder().chunk("bext", "abc").chunk("iXML", big).fmt(48000, 1, 16).chunk("odd ", "1").chunk("big ", big)
-                         .chunk("none", "").data(le16(0x4000))));
-    EXPECT_EQ(read(1, 1, 1), std::vector<float>{0.5f});
+    ASSERT_TRUE(open(WavBuilder()
+                         .chunk("bext", "abc")
+                         .chunk("iXML", big)
+                         .fmt(48000, 1, 16)
+                         .chunk("odd ", "1")
+                         .chunk("big ", big)
+                         .chunk("none", "")
+                         .data(le16(0x4000))));
+    EXPECT_EQ(read(1, 1, 1), std::vector<float>{ 0.5f });
 }
 
 TEST_F(WavFileReaderHeaderTest, oddChunkWithoutPadByteLosesTheWalk)
@@ -210,9 +216,11 @@ TEST_F(WavFileReaderHeaderTest, oddChunkWithoutPadByteLosesTheWalk)
 
 TEST_F(WavFileReaderHeaderTest, chunkThatClaimsMoreThanTheFileLosesTheWalk)
 {
-    EXPECT_FALSE(open(WavBuilder().chunk("junk", "abcd").claimSize("junk", 0x7FFFFFFF).fmt(48000, 1, 16).dataFrames(4)));
+    EXPECT_FALSE(
+        open(WavBuilder().chunk("junk", "abcd").claimSize("junk", 0x7FFFFFFF).fmt(48000, 1, 16).dataFrames(4)));
     EXPECT_FALSE(open(WavBuilder().chunk("junk", "abcd").claimSize("junk", 3000).fmt(48000, 1, 16).dataFrames(4)));
-    EXPECT_FALSE(open(WavBuilder().chunk("junk", "abcd").claimSize("junk", 0xFFFFFFFE).fmt(48000, 1, 16).dataFrames(4)));
+    EXPECT_FALSE(
+        open(WavBuilder().chunk("junk", "abcd").claimSize("junk", 0xFFFFFFFE).fmt(48000, 1, 16).dataFrames(4)));
 }
 
 TEST_F(WavFileReaderHeaderTest, chunkOfLargestOddSizeSkipsNothing)
@@ -224,7 +232,7 @@ TEST_F(WavFileReaderHeaderTest, chunkOfLargestOddSizeSkipsNothing)
 TEST_F(WavFileReaderHeaderTest, longFmtIsLeftBehindWhole)
 {
     ASSERT_TRUE(open(WavBuilder().chunk("fmt ", fmtPayload(1, 16) + std::string(24, 'x')).data(le16(0x4000))));
-    EXPECT_EQ(read(1, 1, 1), std::vector<float>{0.5f});
+    EXPECT_EQ(read(1, 1, 1), std::vector<float>{ 0.5f });
 }
 
 TEST_F(WavFileReaderHeaderTest, oddFmtLeavesTheWalkOneByteShort)
@@ -291,7 +299,11 @@ TEST_F(WavFileReaderHeaderTest, ds64IsLeftBehindWithoutRegardToAPadByte)
 TEST_F(WavFileReaderHeaderTest, shortDs64IsReadAsTwentyFourBytes)
 {
     const std::string fields = le64(0) + le64(40) + le64(0);
-    ASSERT_TRUE(open(WavBuilder::rf64().chunk("ds64", fields).claimSize("ds64", 0).fmt(48000, 2, 16).dataFrames(100)
+    ASSERT_TRUE(open(WavBuilder::rf64()
+                         .chunk("ds64", fields)
+                         .claimSize("ds64", 0)
+                         .fmt(48000, 2, 16)
+                         .dataFrames(100)
                          .claimSize("data", 0xFFFFFFFF)));
     EXPECT_EQ(reader.getTotalFrames(), 10);
 }
@@ -356,7 +368,8 @@ TEST_F(WavFileReaderHeaderTest, findChunkStopsAtTheBodyOrBackAtTheHeader)
 
 TEST_F(WavFileReaderHeaderTest, findChunkGivesTheSizeOfEachChunkOnItsWay)
 {
-    ASSERT_TRUE(open(WavBuilder().fmt(48000, 1, 16).dataFrames(0).chunk("LIST", "abcdef").chunk("huge", "").claimSize("huge", 900)));
+    ASSERT_TRUE(open(
+        WavBuilder().fmt(48000, 1, 16).dataFrames(0).chunk("LIST", "abcdef").chunk("huge", "").claimSize("huge", 900)));
     uint32_t size = 0;
     reader.findChunk("huge", size, true);
     EXPECT_EQ(size, 900u);
@@ -365,7 +378,10 @@ TEST_F(WavFileReaderHeaderTest, findChunkGivesTheSizeOfEachChunkOnItsWay)
 
 TEST_F(WavFileReaderHeaderTest, numbersAreReadLowByteFirst)
 {
-    ASSERT_TRUE(open(WavBuilder().fmt(48000, 1, 16).dataFrames(0).trailing(le16(0x8102) + le32(0x83040506) + le64(0x8708090A0B0C0D0EULL))));
+    ASSERT_TRUE(open(WavBuilder()
+                         .fmt(48000, 1, 16)
+                         .dataFrames(0)
+                         .trailing(le16(0x8102) + le32(0x83040506) + le64(0x8708090A0B0C0D0EULL))));
     EXPECT_EQ(reader.readUint16LE(), 0x8102);
     EXPECT_EQ(reader.readUint32LE(), 0x83040506u);
     EXPECT_EQ(reader.readUint64LE(), 0x8708090A0B0C0D0EULL);
@@ -391,11 +407,11 @@ TEST_F(WavFileReaderSeekTest, positionsAreClampedToTheFile)
 TEST_F(WavFileReaderSeekTest, secondsBeyondTheEndsAreClamped)
 {
     ASSERT_TRUE(open(numberedFile(100, 1)));
-    for (const double late : {1.0, 1e9, 1e300, std::numeric_limits<double>::infinity()}) {
+    for (const double late : { 1.0, 1e9, 1e300, std::numeric_limits<double>::infinity() }) {
         reader.seekSeconds(late);
         EXPECT_EQ(reader.getPosition(), 100) << late;
     }
-    for (const double early : {-1e-9, -1.0, -1e300, -std::numeric_limits<double>::infinity(), std::nan("")}) {
+    for (const double early : { -1e-9, -1.0, -1e300, -std::numeric_limits<double>::infinity(), std::nan("") }) {
         reader.seekSeconds(early);
         EXPECT_EQ(reader.getPosition(), 0) << early;
     }
@@ -427,22 +443,22 @@ TEST_F(WavFileReaderSeekTest, readsGoOnFromTheNewPosition)
 {
     ASSERT_TRUE(open(numberedFile(100, 2)));
     reader.setPosition(40);
-    EXPECT_EQ(read(2, 2, 2), (std::vector<float>{80, 81, 82, 83}));
+    EXPECT_EQ(read(2, 2, 2), (std::vector<float>{ 80, 81, 82, 83 }));
     reader.setPosition(7);
-    EXPECT_EQ(read(1, 2, 2), (std::vector<float>{14, 15}));
+    EXPECT_EQ(read(1, 2, 2), (std::vector<float>{ 14, 15 }));
     EXPECT_EQ(reader.getPosition(), 8);
 }
 
 TEST_F(WavFileReaderReadTest, everyFormatIsDecodedInEveryChannelCount)
 {
     // Byte patterns as they lie in the file; 0.5, -1.0 and a quarter in each format.
-    const std::array<std::pair<uint16_t, std::array<std::string, 3>>, 4> rows = {{
-        {16, {le16(0x4000), le16(0x8000), le16(0x2000)}},
-        {24, {std::string("\0\0\x40", 3), std::string("\0\0\x80", 3), std::string("\0\0\x20", 3)}},
-        {32, {le32(0x40000000), le32(0x80000000), le32(0x20000000)}},
-        {3, {le32(0x3F000000), le32(0xBF800000), le32(0x3E800000)}},
-    }};
-    constexpr std::array<float, 3> kValues = {0.5f, -1.0f, 0.25f};
+    const std::array<std::pair<uint16_t, std::array<std::string, 3>>, 4> rows = { {
+        { 16, { le16(0x4000), le16(0x8000), le16(0x2000) } },
+        { 24, { std::string("\0\0\x40", 3), std::string("\0\0\x80", 3), std::string("\0\0\x20", 3) } },
+        { 32, { le32(0x40000000), le32(0x80000000), le32(0x20000000) } },
+        { 3, { le32(0x3F000000), le32(0xBF800000), le32(0x3E800000) } },
+    } };
+    constexpr std::array<float, 3> kValues = { 0.5f, -1.0f, 0.25f };
     for (const auto& [bits, patterns] : rows) {
         for (uint16_t channels = 1; channels <= 64; ++channels) {
             std::string payload;
@@ -460,7 +476,7 @@ TEST_F(WavFileReaderReadTest, everyFormatIsDecodedInEveryChannelCount)
 
 TEST_F(WavFileReaderReadTest, oneSampleFollowsTheFormatOfTheFile)
 {
-    const uint8_t bytes[4] = {0x00, 0x00, 0x80, 0x3F};
+    const uint8_t bytes[4] = { 0x00, 0x00, 0x80, 0x3F };
     EXPECT_EQ(reader.convertSampleToFloat(bytes), 0.0f);
     ASSERT_TRUE(open(formatFile(1, 24)));
     EXPECT_EQ(reader.convertSampleToFloat(bytes), -1.0f);
@@ -473,14 +489,14 @@ TEST_F(WavFileReaderReadTest, oneSampleFollowsTheFormatOfTheFile)
 TEST_F(WavFileReaderReadTest, firstChannelsComeWithTheirOwnStride)
 {
     ASSERT_TRUE(open(numberedFile(100, 6)));
-    EXPECT_EQ(read(3, 2, 2), (std::vector<float>{0, 1, 6, 7, 12, 13}));
+    EXPECT_EQ(read(3, 2, 2), (std::vector<float>{ 0, 1, 6, 7, 12, 13 }));
 }
 
 TEST_F(WavFileReaderReadTest, channelCountsOutsideTheFileMeanAllChannels)
 {
-    for (const int32_t wanted : {0, 7, -1, 1000}) {
+    for (const int32_t wanted : { 0, 7, -1, 1000 }) {
         ASSERT_TRUE(open(numberedFile(100, 6)));
-        EXPECT_EQ(read(2, wanted, 6), (std::vector<float>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11})) << wanted;
+        EXPECT_EQ(read(2, wanted, 6), (std::vector<float>{ 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11 })) << wanted;
     }
 }
 
@@ -503,7 +519,7 @@ TEST_F(WavFileReaderReadTest, lastReadIsShortAndTheNextGivesNothing)
     EXPECT_TRUE(read(70, 1, 1).empty());
     EXPECT_EQ(reader.getPosition(), 100);
     reader.setPosition(99);
-    EXPECT_EQ(read(70, 1, 1), std::vector<float>{99});
+    EXPECT_EQ(read(70, 1, 1), std::vector<float>{ 99 });
 }
 
 TEST_F(WavFileReaderReadTest, oneReadMayTakeMoreThanABlock)
@@ -583,11 +599,13 @@ TEST_F(WavFileReaderHostileTest, fileThatShrinksWhileOpenGivesAShortRead)
 
 TEST_F(WavFileReaderHostileTest, dataSizeNearTheLimitOfItsFieldIsCountedWithoutOverflow)
 {
-    for (const uint64_t size : {0xFFFFFFFFFFFFFFFFULL, 0xFFFFFFFFFFFFFFFEULL, 0x8000000000000000ULL, 0x7FFFFFFFFFFFFFFFULL}) {
-        ASSERT_TRUE(open(WavBuilder::rf64().ds64(size).fmt(48000, 1, 16).data(le16(0x4000)).claimSize("data", 0xFFFFFFFF)));
+    for (const uint64_t size :
+        { 0xFFFFFFFFFFFFFFFFULL, 0xFFFFFFFFFFFFFFFEULL, 0x8000000000000000ULL, 0x7FFFFFFFFFFFFFFFULL }) {
+        ASSERT_TRUE(
+            open(WavBuilder::rf64().ds64(size).fmt(48000, 1, 16).data(le16(0x4000)).claimSize("data", 0xFFFFFFFF)));
         EXPECT_EQ(reader.getTotalFrames(), static_cast<int64_t>(size / 2));
         EXPECT_DOUBLE_EQ(reader.getDuration(), static_cast<double>(size / 2) / 48000.0);
-        EXPECT_EQ(read(1, 1, 1), std::vector<float>{0.5f});
+        EXPECT_EQ(read(1, 1, 1), std::vector<float>{ 0.5f });
         EXPECT_FALSE(reader.isAtEnd());
         EXPECT_TRUE(read(1, 1, 1).empty());
     }
@@ -595,9 +613,13 @@ TEST_F(WavFileReaderHostileTest, dataSizeNearTheLimitOfItsFieldIsCountedWithoutO
 
 TEST_F(WavFileReaderHostileTest, positionsThatNoFileReachesAreKeptAndGiveNothing)
 {
-    const WavBuilder file
-        = WavBuilder::rf64().ds64(0xFFFFFFFFFFFFFFFF).fmt(48000, 1, 16).data(le16(0x4000)).claimSize("data", 0xFFFFFFFF);
-    for (const int64_t frame : {int64_t{0x7FFFFFFFFFFFFFFE}, int64_t{0x4000000000000000}, int64_t{0x3FFFFFFFFFFFFFF0}}) {
+    const WavBuilder file = WavBuilder::rf64()
+                                .ds64(0xFFFFFFFFFFFFFFFF)
+                                .fmt(48000, 1, 16)
+                                .data(le16(0x4000))
+                                .claimSize("data", 0xFFFFFFFF);
+    for (const int64_t frame :
+        { int64_t{ 0x7FFFFFFFFFFFFFFE }, int64_t{ 0x4000000000000000 }, int64_t{ 0x3FFFFFFFFFFFFFF0 } }) {
         ASSERT_TRUE(open(file));
         reader.setPosition(frame);
         EXPECT_EQ(reader.getPosition(), frame);
@@ -613,8 +635,9 @@ TEST_F(WavFileReaderHostileTest, positionsThatNoFileReachesAreKeptAndGiveNothing
 TEST_F(WavFileReaderHostileTest, framesBeyondFourGibibytesAreReached)
 {
     // Sparse: 64 channels of 32 bits, the last frame behind 4 GiB of zeros.
-    constexpr int64_t kFrames = (int64_t{1} << 32) / 256 + 1;
-    const WavBuilder head = WavBuilder::rf64().ds64(kFrames * 256).fmt(48000, 64, 32, 3).data("").claimSize("data", 0xFFFFFFFF);
+    constexpr int64_t kFrames = (int64_t{ 1 } << 32) / 256 + 1;
+    const WavBuilder head
+        = WavBuilder::rf64().ds64(kFrames * 256).fmt(48000, 64, 32, 3).data("").claimSize("data", 0xFFFFFFFF);
     head.write(path);
     const auto start = static_cast<int64_t>(std::filesystem::file_size(path));
     std::filesystem::resize_file(path, static_cast<uintmax_t>(start + (kFrames - 1) * 256));
@@ -624,6 +647,6 @@ TEST_F(WavFileReaderHostileTest, framesBeyondFourGibibytesAreReached)
     EXPECT_EQ(reader.getTotalFrames(), kFrames);
     reader.setPosition(kFrames - 2);
     const std::vector<float> out = read(8, 2, 2);
-    EXPECT_EQ(out, (std::vector<float>{0, 0, 0, 1}));
+    EXPECT_EQ(out, (std::vector<float>{ 0, 0, 0, 1 }));
     EXPECT_TRUE(reader.isAtEnd());
 }

@@ -32,7 +32,7 @@ constexpr size_t kIxmlBytes = 20000; // Several times the buffer of a file strea
 constexpr uint64_t kNewTimeReference = 0x0102030405060708u;
 constexpr int kMaxCalls = 200; // Far more than a save makes.
 
-const std::vector<std::string> kEverything = {"scene=9", "timeReference=" + std::to_string(kNewTimeReference)};
+const std::vector<std::string> kEverything = { "scene=9", "timeReference=" + std::to_string(kNewTimeReference) };
 const std::vector<std::string> kNothing = {};
 
 std::string field(std::string text, size_t size)
@@ -42,7 +42,7 @@ std::string field(std::string text, size_t size)
 }
 
 // In the builds with a sanitizer the driver must bear a library in front of the sanitizer's own and a tracer.
-const std::vector<std::string> kPatientSanitizers = {"ASAN_OPTIONS=verify_asan_link_order=0:detect_leaks=0"};
+const std::vector<std::string> kPatientSanitizers = { "ASAN_OPTIONS=verify_asan_link_order=0:detect_leaks=0" };
 
 class WriterFaultTest : public testing::Test {
 protected:
@@ -64,10 +64,9 @@ protected:
     {
         const size_t bext = builder.payloadOffset("bext");
         return {
-            {bext, field("aSCENE=9\naTAKE=3\naSPEED=24.000-ND\n", kDescription)},
-            {bext + 338, le64(kNewTimeReference)},
-            {builder.payloadOffset("iXML"),
-                field("<BWFXML><SCENE>9</SCENE>" + rest, kIxmlBytes)},
+            { bext, field("aSCENE=9\naTAKE=3\naSPEED=24.000-ND\n", kDescription) },
+            { bext + 338, le64(kNewTimeReference) },
+            { builder.payloadOffset("iXML"), field("<BWFXML><SCENE>9</SCENE>" + rest, kIxmlBytes) },
         };
     }
 
@@ -89,7 +88,7 @@ protected:
     ProcessResult save(const std::vector<std::string>& fields, std::vector<std::string> environment = {},
         std::vector<std::string> command = {})
     {
-        command.insert(command.end(), {driver, path});
+        command.insert(command.end(), { driver, path });
         command.insert(command.end(), fields.begin(), fields.end());
         environment.insert(environment.end(), kPatientSanitizers.begin(), kPatientSanitizers.end());
         return runProcess(command, environment);
@@ -102,8 +101,8 @@ protected:
         const std::string mark = marks.file("mark");
         fs::remove(mark);
         const ProcessResult result = save(fields,
-            {"LD_PRELOAD=" FAULTY_FILE_LIBRARY, "TAGWELL_FAULT_PATH=" + path, "TAGWELL_FAULT_CALL=" + call,
-                "TAGWELL_FAULT_AT=" + std::to_string(at), "TAGWELL_FAULT_HOW=" + how, "TAGWELL_FAULT_MARK=" + mark});
+            { "LD_PRELOAD=" FAULTY_FILE_LIBRARY, "TAGWELL_FAULT_PATH=" + path, "TAGWELL_FAULT_CALL=" + call,
+                "TAGWELL_FAULT_AT=" + std::to_string(at), "TAGWELL_FAULT_HOW=" + how, "TAGWELL_FAULT_MARK=" + mark });
         faultHappened = fs::exists(mark);
         return result;
     }
@@ -144,7 +143,10 @@ protected:
     std::unique_ptr<FileProof> proof;
 };
 
-bool tracingWorks() { return runProcess({"strace", "-f", "-o", "/dev/null", "true"}).exitCode == 0; }
+bool tracingWorks()
+{
+    return runProcess({ "strace", "-f", "-o", "/dev/null", "true" }).exitCode == 0;
+}
 
 } // namespace
 
@@ -165,8 +167,10 @@ TEST_F(WriterFaultTest, killedAtEachWriteEveryFieldIsOldOrNewAndTheRestEqual)
         GTEST_SKIP() << "This system doesn't let one process trace another.";
     for (int at = 1; at <= kMaxCalls; ++at) {
         again();
-        const std::string inject = "inject=write,writev,pwrite64,pwritev,pwritev2:signal=KILL:when=" + std::to_string(at);
-        const ProcessResult result = save(kEverything, {}, {"strace", "-f", "-o", "/dev/null", "-P", path, "-e", inject});
+        const std::string inject
+            = "inject=write,writev,pwrite64,pwritev,pwritev2:signal=KILL:when=" + std::to_string(at);
+        const ProcessResult result
+            = save(kEverything, {}, { "strace", "-f", "-o", "/dev/null", "-P", path, "-e", inject });
         if (result.signal != SIGKILL) {
             EXPECT_EQ(result.exitCode, kTrue) << result.output;
             EXPECT_EQ(at, 4) << "the save makes three writes";
@@ -203,7 +207,7 @@ TEST_F(WriterFaultTest, errorWritingTheTimeReferenceEndsTheSaveAndKeepsTheDescri
 
 TEST_F(WriterFaultTest, errorWritingTheTimeReferenceAloneIsFalse)
 {
-    EXPECT_EQ(saveWithSureFault("write", 1, "error", {"timeReference=5"}).exitCode, kFalse);
+    EXPECT_EQ(saveWithSureFault("write", 1, "error", { "timeReference=5" }).exitCode, kFalse);
     EXPECT_EQ(proof->untouched(), "");
 }
 
@@ -261,11 +265,11 @@ TEST_F(WriterFaultTest, errorInAnySeekLeavesWholeFieldsAndFalseMeansUntouched)
 
 TEST_F(WriterFaultTest, timeReferenceAloneIsTrueExactlyIfItIsWrittenWhateverSeekFails)
 {
-    const Patch wanted = {builder.payloadOffset("bext") + 338, le64(5)};
+    const Patch wanted = { builder.payloadOffset("bext") + 338, le64(5) };
     for (int at = 1; at <= kMaxCalls; ++at) {
         again();
-        const ProcessResult result = saveWithFault("seek", at, "error", {"timeReference=5"});
-        const bool written = proof->patchedExactly({wanted}).empty();
+        const ProcessResult result = saveWithFault("seek", at, "error", { "timeReference=5" });
+        const bool written = proof->patchedExactly({ wanted }).empty();
         if (!faultHappened) {
             EXPECT_TRUE(written);
             return;
@@ -302,7 +306,7 @@ TEST_F(WriterFaultTest, errorInClosingHasNoEffect)
     EXPECT_EQ(saveWithSureFault("close", 1, "error").exitCode, kTrue);
     EXPECT_EQ(writesDone(), 3);
     again();
-    EXPECT_EQ(saveWithSureFault("close", 1, "error", {"circled=true"}).exitCode, kFalse) << "no room for the element";
+    EXPECT_EQ(saveWithSureFault("close", 1, "error", { "circled=true" }).exitCode, kFalse) << "no room for the element";
     EXPECT_EQ(proof->untouched(), "");
 }
 
@@ -315,7 +319,7 @@ std::vector<std::string> asPlainUser()
 {
     if (geteuid() != 0)
         return {};
-    return {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"};
+    return { "setpriv", "--reuid=65534", "--regid=65534", "--clear-groups" };
 }
 
 } // namespace
@@ -353,8 +357,7 @@ bool setImmutable(const std::string& path, bool on)
 /// A small file system in memory on a folder, for as long as the object lives.
 class SmallDisk {
 public:
-    explicit SmallDisk(std::string where)
-        : folder(std::move(where))
+    explicit SmallDisk(std::string where) : folder(std::move(where))
     {
         fs::create_directory(folder);
         mounted = mount("none", folder.c_str(), "tmpfs", 0, "size=128k") == 0;
@@ -419,7 +422,9 @@ TEST_F(WriterFaultTest, fullDiskUnderAFileWithAHoleIsTrueAndTheBytesAsBefore)
     // The Description lies in a page that the file has never had, so the first write needs room that isn't there.
     constexpr size_t kPage = 4096;
     WavBuilder holed;
-    holed.fmt(48000, 1, 24).chunk("JUNK", std::string(kPage - 12 - 24 - 8 - 8, 'j')).chunk("bext", std::string(8192, '\0'));
+    holed.fmt(48000, 1, 24)
+        .chunk("JUNK", std::string(kPage - 12 - 24 - 8 - 8, 'j'))
+        .chunk("bext", std::string(8192, '\0'));
     ASSERT_EQ(holed.payloadOffset("bext"), kPage);
     writeBytes(path, holed.bytes().substr(0, kPage));
     fs::resize_file(path, holed.bytes().size());
@@ -427,8 +432,8 @@ TEST_F(WriterFaultTest, fullDiskUnderAFileWithAHoleIsTrueAndTheBytesAsBefore)
     disk.fill();
 
     const FileProof before(path);
-    EXPECT_EQ(save({"scene=9"}).exitCode, kTrue) << "a failed write of the Description is not seen";
+    EXPECT_EQ(save({ "scene=9" }).exitCode, kTrue) << "a failed write of the Description is not seen";
     EXPECT_EQ(before.changedExactly({}), "");
-    EXPECT_EQ(save({"timeReference=5"}).exitCode, kFalse);
+    EXPECT_EQ(save({ "timeReference=5" }).exitCode, kFalse);
     EXPECT_EQ(before.changedExactly({}), "");
 }

@@ -9,8 +9,8 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <memory>
 #include <locale>
+#include <memory>
 #include <string>
 
 // The iXML text is edited in a file of fmt, iXML and data. Each test states what the whole payload is afterwards.
@@ -19,7 +19,10 @@ namespace {
 
 constexpr size_t kPadding = 1000;
 
-std::string padded(const std::string& text, size_t size) { return text + std::string(size - text.size(), '\0'); }
+std::string padded(const std::string& text, size_t size)
+{
+    return text + std::string(size - text.size(), '\0');
+}
 
 std::string trackXml(const std::string& index, const std::string& inside)
 {
@@ -46,7 +49,7 @@ protected:
     /// The chunk is written in full and holds this text, then NUL; nothing else has changed.
     void expectText(const std::string& text, size_t size)
     {
-        EXPECT_EQ(proof->patchedExactly({{position, padded(text, size)}}), "");
+        EXPECT_EQ(proof->patchedExactly({ { position, padded(text, size) } }), "");
         EXPECT_NE(proof->untouched(), "") << "the chunk was not written";
     }
 
@@ -79,7 +82,7 @@ TEST_F(IxmlEditTest, valueOfTheSameLengthReplacesTheOldOne)
     current.scene = "12";
     updated.scene = "13";
     expectEdit("<BWFXML><SCENE>12</SCENE></BWFXML>", "<BWFXML><SCENE>13</SCENE></BWFXML>");
-    EXPECT_EQ(proof->changedExactly({{position + 16, position + 17}}), "");
+    EXPECT_EQ(proof->changedExactly({ { position + 16, position + 17 } }), "");
 }
 
 TEST_F(IxmlEditTest, growthFailsEvenWithAThousandBytesOfNulAtTheEnd)
@@ -233,8 +236,8 @@ TEST_F(IxmlEditTest, elementClosedBeforeItIsOpenedDoesNotHoldBackTheOthers)
 {
     updated.scene = "2";
     updated.note = "y";
-    expectEdit("</SCENE>abc<SCENE>1</SCENE><NOTE>x</NOTE></BWFXML>",
-        "</SCENE>abc<SCENE>1</SCENE><NOTE>y</NOTE></BWFXML>");
+    expectEdit(
+        "</SCENE>abc<SCENE>1</SCENE><NOTE>x</NOTE></BWFXML>", "</SCENE>abc<SCENE>1</SCENE><NOTE>y</NOTE></BWFXML>");
 }
 
 TEST_F(IxmlEditTest, circledFromFalseToTrueShrinksByOne)
@@ -303,53 +306,53 @@ TEST_F(IxmlEditTest, wildTrackClosedBeforeItIsOpenedIsNotErased)
 
 TEST_F(IxmlEditTest, nameAndFunctionOfAListedTrackAreReplacedTogether)
 {
-    current.tracks = {{1, "A", "F"}};
-    updated.tracks = {{1, "B", "F"}};
+    current.tracks = { { 1, "A", "F" } };
+    updated.tracks = { { 1, "B", "F" } };
     // The function goes in again as the record tells it, whatever the file says.
-    expectEdit(trackXml("1", "<NAME>A</NAME><FUNCTION>Z</FUNCTION>"),
-        trackXml("1", "<NAME>B</NAME><FUNCTION>F</FUNCTION>"));
+    expectEdit(
+        trackXml("1", "<NAME>A</NAME><FUNCTION>Z</FUNCTION>"), trackXml("1", "<NAME>B</NAME><FUNCTION>F</FUNCTION>"));
 }
 
 TEST_F(IxmlEditTest, changedFunctionAloneIsWrittenAndTheNameWithIt)
 {
-    current.tracks = {{1, "A", "F"}};
-    updated.tracks = {{1, "A", "G"}};
-    expectEdit(trackXml("1", "<NAME>X</NAME><FUNCTION>F</FUNCTION>"),
-        trackXml("1", "<NAME>A</NAME><FUNCTION>G</FUNCTION>"));
+    current.tracks = { { 1, "A", "F" } };
+    updated.tracks = { { 1, "A", "G" } };
+    expectEdit(
+        trackXml("1", "<NAME>X</NAME><FUNCTION>F</FUNCTION>"), trackXml("1", "<NAME>A</NAME><FUNCTION>G</FUNCTION>"));
 }
 
 TEST_F(IxmlEditTest, emptyNameAndFunctionAreWritten)
 {
-    current.tracks = {{1, "A", "F"}};
-    updated.tracks = {{1, "", ""}};
+    current.tracks = { { 1, "A", "F" } };
+    updated.tracks = { { 1, "", "" } };
     expectEdit(
         trackXml("1", "<NAME>A</NAME><FUNCTION>F</FUNCTION>"), trackXml("1", "<NAME></NAME><FUNCTION></FUNCTION>"));
 }
 
 TEST_F(IxmlEditTest, trackThatEqualsTheOldOneIsSkipped)
 {
-    current.tracks = {{1, "A", "F"}, {2, "B", ""}};
-    updated.tracks = {{5, "A", "F"}, {2, "C", ""}};
+    current.tracks = { { 1, "A", "F" }, { 2, "B", "" } };
+    updated.tracks = { { 5, "A", "F" }, { 2, "C", "" } };
     expectEdit(trackXml("1", "<NAME>x</NAME>") + trackXml("5", "<NAME>x</NAME>") + trackXml("2", "<NAME>B</NAME>"),
         trackXml("1", "<NAME>x</NAME>") + trackXml("5", "<NAME>x</NAME>") + trackXml("2", "<NAME>C</NAME>"));
 }
 
 TEST_F(IxmlEditTest, trackThatTheChunkDoesNotListByExactlyItsNumberIsSkipped)
 {
-    updated.tracks = {{1, "B", ""}};
-    for (const char* index : {"01", " 1", "1 ", "+1", "11", ""})
+    updated.tracks = { { 1, "B", "" } };
+    for (const char* index : { "01", " 1", "1 ", "+1", "11", "" })
         expectUntouched(trackXml(index, "<NAME>A</NAME>"), true);
 }
 
 TEST_F(IxmlEditTest, negativeTrackNumberIsFoundByItsDecimal)
 {
-    updated.tracks = {{-2, "B", ""}};
+    updated.tracks = { { -2, "B", "" } };
     expectEdit(trackXml("-2", "<NAME>A</NAME>"), trackXml("-2", "<NAME>B</NAME>"));
 }
 
 TEST_F(IxmlEditTest, missingNameOrFunctionIsNotInserted)
 {
-    updated.tracks = {{1, "B", "G"}};
+    updated.tracks = { { 1, "B", "G" } };
     expectEdit(trackXml("1", "<NAME>A</NAME>"), trackXml("1", "<NAME>B</NAME>"));
     expectEdit(trackXml("1", "<FUNCTION>F</FUNCTION>"), trackXml("1", "<FUNCTION>G</FUNCTION>"));
     expectUntouched(trackXml("1", "") + "</BWFXML>", true);
@@ -357,27 +360,27 @@ TEST_F(IxmlEditTest, missingNameOrFunctionIsNotInserted)
 
 TEST_F(IxmlEditTest, trackWithoutItsOwnTagsAroundIsSkipped)
 {
-    updated.tracks = {{1, "B", ""}};
+    updated.tracks = { { 1, "B", "" } };
     expectUntouched("<CHANNEL_INDEX>1</CHANNEL_INDEX><NAME>A</NAME></TRACK>", true);
     expectUntouched("<TRACK><CHANNEL_INDEX>1</CHANNEL_INDEX><NAME>A</NAME>", true);
 }
 
 TEST_F(IxmlEditTest, nameBehindTheEndOfTheTrackIsNotTaken)
 {
-    updated.tracks = {{1, "B", ""}};
+    updated.tracks = { { 1, "B", "" } };
     expectUntouched(trackXml("1", "") + trackXml("2", "<NAME>A</NAME>"), true);
 }
 
 TEST_F(IxmlEditTest, firstElementThatGivesTheNumberDecidesWhereverItStands)
 {
-    updated.tracks = {{2, "Z", ""}};
+    updated.tracks = { { 2, "Z", "" } };
     expectEdit("<TRACK>" + trackXml("2", "<NAME>A</NAME>") + trackXml("2", "<NAME>B</NAME>"),
         "<TRACK>" + trackXml("2", "<NAME>Z</NAME>") + trackXml("2", "<NAME>B</NAME>"));
 }
 
 TEST_F(IxmlEditTest, nameInFrontOfTheNumberIsFoundFromTheStartOfTheTrack)
 {
-    updated.tracks = {{1, "Z", ""}};
+    updated.tracks = { { 1, "Z", "" } };
     expectEdit("<TRACK><NAME>A</NAME><CHANNEL_INDEX>1</CHANNEL_INDEX></TRACK>",
         "<TRACK><NAME>Z</NAME><CHANNEL_INDEX>1</CHANNEL_INDEX></TRACK>");
 }
@@ -390,11 +393,11 @@ TEST_F(IxmlEditTest, nameThatGrewNarrowsTheRangeForTheFunction)
     ASSERT_EQ(function.size(), 28u);
     updated.note = "n";
 
-    updated.tracks = {{1, std::string(28, 'N'), "NEWVALU"}};
+    updated.tracks = { { 1, std::string(28, 'N'), "NEWVALU" } };
     expectEdit(paying + trackXml("1", "<NAME>A</NAME>" + function),
         "<NOTE>n</NOTE>" + trackXml("1", "<NAME>" + std::string(28, 'N') + "</NAME><FUNCTION>NEWVALU</FUNCTION>"));
 
-    updated.tracks = {{1, std::string(29, 'N'), "NEWVALU"}};
+    updated.tracks = { { 1, std::string(29, 'N'), "NEWVALU" } };
     expectEdit(paying + trackXml("1", "<NAME>A</NAME>" + function),
         "<NOTE>n</NOTE>" + trackXml("1", "<NAME>" + std::string(29, 'N') + "</NAME>" + function));
 }
@@ -405,42 +408,42 @@ TEST_F(IxmlEditTest, nameThatShrankWidensTheRangeForTheFunctionPastTheEndOfTheTr
     const std::string next = trackXml("2", "<FUNCTION>F</FUNCTION>");
     const size_t gap = std::string("</TRACK>").size() + next.find("<FUNCTION>");
     const std::string name(gap + 1, 'N');
-    updated.tracks = {{1, "", "G"}};
+    updated.tracks = { { 1, "", "G" } };
     expectEdit(trackXml("1", "<NAME>" + name + "</NAME>") + next,
         trackXml("1", "<NAME></NAME>") + trackXml("2", "<FUNCTION>G</FUNCTION>"));
-    updated.tracks = {{1, "N", "G"}};
+    updated.tracks = { { 1, "N", "G" } };
     expectEdit(trackXml("1", "<NAME>" + name + "</NAME>") + next, trackXml("1", "<NAME>N</NAME>") + next);
 }
 
 TEST_F(IxmlEditTest, functionInFrontOfTheNameIsEditedToo)
 {
-    updated.tracks = {{1, "B", "G"}};
-    expectEdit(trackXml("1", "<FUNCTION>F</FUNCTION><NAME>A</NAME>"),
-        trackXml("1", "<FUNCTION>G</FUNCTION><NAME>B</NAME>"));
+    updated.tracks = { { 1, "B", "G" } };
+    expectEdit(
+        trackXml("1", "<FUNCTION>F</FUNCTION><NAME>A</NAME>"), trackXml("1", "<FUNCTION>G</FUNCTION><NAME>B</NAME>"));
 }
 
 TEST_F(IxmlEditTest, nameClosedBeforeItIsOpenedIsSkippedInATrackToo)
 {
-    updated.tracks = {{1, "B", "G"}};
-    expectEdit(trackXml("1", "</NAME><NAME>A<FUNCTION>F</FUNCTION>"),
-        trackXml("1", "</NAME><NAME>A<FUNCTION>G</FUNCTION>"));
+    updated.tracks = { { 1, "B", "G" } };
+    expectEdit(
+        trackXml("1", "</NAME><NAME>A<FUNCTION>F</FUNCTION>"), trackXml("1", "</NAME><NAME>A<FUNCTION>G</FUNCTION>"));
 }
 
 TEST_F(IxmlEditTest, nameThatHoldsItsClosingTagBreaksTheNextSearch)
 {
     const std::string before = trackXml("1", "<NAME>0123456789</NAME>");
-    updated.tracks = {{1, "a</NAME>b", ""}};
+    updated.tracks = { { 1, "a</NAME>b", "" } };
     expectEdit(before, trackXml("1", "<NAME>a</NAME>b</NAME>"));
 
     const std::string broken = trackXml("1", "<NAME>a</NAME>b</NAME>");
-    updated.tracks = {{1, "c", ""}};
+    updated.tracks = { { 1, "c", "" } };
     expectEdit(broken, trackXml("1", "<NAME>c</NAME>b</NAME>"));
 }
 
 TEST_F(IxmlEditTest, valueThatHoldsATrackIsFoundByTheNextEntry)
 {
     const std::string brought = trackXml("2", "<NAME>x</NAME>");
-    updated.tracks = {{1, brought, ""}, {2, "y", ""}};
+    updated.tracks = { { 1, brought, "" }, { 2, "y", "" } };
     const std::string old(brought.size(), 'o');
     expectEdit(trackXml("1", "<NAME>" + old + "</NAME>"),
         trackXml("1", "<NAME>" + trackXml("2", "<NAME>y</NAME>") + "</NAME>"));
@@ -448,7 +451,7 @@ TEST_F(IxmlEditTest, valueThatHoldsATrackIsFoundByTheNextEntry)
 
 TEST_F(IxmlEditTest, repeatedNumberEditsTheFirstTrackEachTime)
 {
-    updated.tracks = {{1, "B", ""}, {1, "C", ""}};
+    updated.tracks = { { 1, "B", "" }, { 1, "C", "" } };
     expectEdit(trackXml("1", "<NAME>A</NAME>") + trackXml("1", "<NAME>A</NAME>"),
         trackXml("1", "<NAME>C</NAME>") + trackXml("1", "<NAME>A</NAME>"));
 }
@@ -461,7 +464,7 @@ TEST_F(IxmlEditTest, thousandsOfTracksAreEditedInOneCall)
     for (int i = 1; i <= kTracks; ++i) {
         before += trackXml(std::to_string(i), "<NAME>track</NAME>");
         after += trackXml(std::to_string(i), "<NAME>" + std::to_string(i % 10) + "</NAME>");
-        updated.tracks.push_back({i, std::to_string(i % 10), ""});
+        updated.tracks.push_back({ i, std::to_string(i % 10), "" });
     }
     expectEdit(before, after);
 }
@@ -473,7 +476,7 @@ TEST_F(IxmlEditTest, numbersAreSearchedWithoutTheGroupingOfTheLocale)
         std::string do_grouping() const override { return "\3"; }
     };
     const std::locale before = std::locale::global(std::locale(std::locale(), new Grouped));
-    updated.tracks = {{1234567, "B", ""}};
+    updated.tracks = { { 1234567, "B", "" } };
     expectEdit(trackXml("1234567", "<NAME>A</NAME>"), trackXml("1234567", "<NAME>B</NAME>"));
     std::locale::global(before);
 }
@@ -481,7 +484,7 @@ TEST_F(IxmlEditTest, numbersAreSearchedWithoutTheGroupingOfTheLocale)
 TEST_F(IxmlEditTest, emptyChunkHasNothingToWrite)
 {
     updated.scene = "12";
-    updated.tracks = {{1, "A", ""}};
+    updated.tracks = { { 1, "A", "" } };
     expectUntouched("", true);
 }
 

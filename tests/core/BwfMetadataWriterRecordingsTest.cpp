@@ -33,18 +33,18 @@ enum class Length { Shorter, Equal, Longer };
 /// A text field: where it stands in the record, in the Description, in the iXML, and what exiftool calls it.
 struct TextField {
     const char* name;
-    std::string BwfMetadata::* member;
+    std::string BwfMetadata::*member;
     const char* line;
     const char* element;
     const char* exifTag;
 };
 
 const TextField kFields[] = {
-    {"scene", &BwfMetadata::scene, "SCENE=", "SCENE", "BwfxmlScene"},
-    {"take", &BwfMetadata::take, "TAKE=", "TAKE", "BwfxmlTake"},
-    {"tape", &BwfMetadata::tape, "TAPE=", "TAPE", "BwfxmlTape"},
-    {"note", &BwfMetadata::note, "NOTE=", "NOTE", "BwfxmlNote"},
-    {"project", &BwfMetadata::project, "TAG=", "PROJECT", "BwfxmlProject"},
+    { "scene", &BwfMetadata::scene, "SCENE=", "SCENE", "BwfxmlScene" },
+    { "take", &BwfMetadata::take, "TAKE=", "TAKE", "BwfxmlTake" },
+    { "tape", &BwfMetadata::tape, "TAPE=", "TAPE", "BwfxmlTape" },
+    { "note", &BwfMetadata::note, "NOTE=", "NOTE", "BwfxmlNote" },
+    { "project", &BwfMetadata::project, "TAG=", "PROJECT", "BwfxmlProject" },
 };
 
 std::string withLength(const std::string& old, Length length)
@@ -69,7 +69,7 @@ ByteRange payload(const std::string& file, const std::string& id)
 {
     for (const ChunkPlace& each : chunkList(file)) {
         if (each.id == id)
-            return {each.offset + 8, each.offset + 8 + each.size};
+            return { each.offset + 8, each.offset + 8 + each.size };
     }
     ADD_FAILURE() << "no " << id;
     return {};
@@ -91,20 +91,21 @@ std::string toolOutput(const std::vector<std::string>& command)
 
 std::string audioMd5(const std::string& path)
 {
-    const std::string sum = toolOutput({"ffmpeg", "-v", "error", "-i", path, "-map", "0:a", "-f", "md5", "-"});
+    const std::string sum = toolOutput({ "ffmpeg", "-v", "error", "-i", path, "-map", "0:a", "-f", "md5", "-" });
     EXPECT_EQ(sum.substr(0, 4), "MD5=");
     return sum;
 }
 
 std::string ffprobeTag(const std::string& path, const std::string& tag)
 {
-    return toolOutput({"ffprobe", "-v", "error", "-show_entries", "format_tags=" + tag, "-of", "default=nw=1:nk=1", path});
+    return toolOutput(
+        { "ffprobe", "-v", "error", "-show_entries", "format_tags=" + tag, "-of", "default=nw=1:nk=1", path });
 }
 
 /// Values of several tags, empty for one that the file doesn't have.
 std::vector<std::string> exifTags(const std::string& path, const std::vector<std::string>& tags)
 {
-    std::vector<std::string> command = {"exiftool", "-T", "-n"};
+    std::vector<std::string> command = { "exiftool", "-T", "-n" };
     for (const std::string& each : tags)
         command.push_back("-" + each);
     command.push_back(path);
@@ -120,7 +121,7 @@ std::vector<std::string> exifTags(const std::string& path, const std::vector<std
 std::vector<std::string> exifTagList(const std::string& path, const std::string& tag)
 {
     std::vector<std::string> values;
-    std::istringstream lines(toolOutput({"exiftool", "-a", "-s3", "-n", "-" + tag, path}));
+    std::istringstream lines(toolOutput({ "exiftool", "-a", "-s3", "-n", "-" + tag, path }));
     for (std::string value; std::getline(lines, value);)
         values.push_back(value);
     return values;
@@ -139,16 +140,13 @@ const std::string& soundOf(const fs::path& recording)
 /// One copy of a recording and a save on it.
 struct Copy {
     Copy(const std::string& copyPath, const std::string& sound)
-        : path(copyPath)
-        , proof(copyPath)
-        , md5(sound)
-        , current(BwfMetadataReader::readMetadata(copyPath))
+        : path(copyPath), proof(copyPath), md5(sound), current(BwfMetadataReader::readMetadata(copyPath))
     {
         updated.circled = current.circled;
         updated.wildTrack = current.wildTrack;
         const uint64_t bext = payload(proof.before(), "bext").begin;
-        description = {bext, bext + kDescription};
-        timeReference = {bext + kTimeReference, bext + kTimeReference + 8};
+        description = { bext, bext + kDescription };
+        timeReference = { bext + kTimeReference, bext + kTimeReference + 8 };
         ixml = payload(proof.before(), "iXML");
     }
 
@@ -196,7 +194,7 @@ protected:
         const char* recordings = std::getenv("TAGWELL_RECORDINGS");
         if (!recordings || !*recordings)
             GTEST_SKIP() << "TAGWELL_RECORDINGS is not set: there are no recordings to save over copies of.";
-        for (const char* tool : {"ffmpeg", "ffprobe", "exiftool"})
+        for (const char* tool : { "ffmpeg", "ffprobe", "exiftool" })
             ASSERT_TRUE(programExists(tool)) << tool << " is not installed.";
         for (const auto& each : fs::recursive_directory_iterator(recordings)) {
             if (each.path().extension() == ".WAV")
@@ -247,12 +245,12 @@ TEST_P(TextFieldTest, newValueIsReadByForeignToolsAndTheSoundIsTheSame)
         ++saved;
 
         const bool fits = length != Length::Longer;
-        std::vector<ByteRange> written = {copy.description};
+        std::vector<ByteRange> written = { copy.description };
         if (fits)
             written.push_back(copy.ixml);
         copy.expectSoundAndFrameKept(written);
         copy.expectDescription(field.line + value);
-        const std::vector<std::string> seen = exifTags(copy.path, {field.exifTag});
+        const std::vector<std::string> seen = exifTags(copy.path, { field.exifTag });
         const std::string stands = fits ? value : old;
         EXPECT_EQ(seen[0], stands) << copy.path;
         // What the iXML leaves empty the reader takes from the Description, which has the new value in any case.
@@ -263,7 +261,7 @@ TEST_P(TextFieldTest, newValueIsReadByForeignToolsAndTheSoundIsTheSame)
 }
 
 INSTANTIATE_TEST_SUITE_P(Recordings, TextFieldTest,
-    testing::Combine(testing::Range(size_t{0}, std::size(kFields)),
+    testing::Combine(testing::Range(size_t{ 0 }, std::size(kFields)),
         testing::Values(Length::Shorter, Length::Equal, Length::Longer)),
     [](const auto& each) {
         return std::string(kFields[std::get<0>(each.param)].name) + "_" + lengthName(std::get<1>(each.param));
@@ -290,14 +288,15 @@ TEST_P(LengthTest, allFieldsTogetherAreReadByForeignToolsAndTheSoundIsTheSame)
             track.name = withLength(track.name, length);
         ASSERT_TRUE(BwfMetadataWriter::writeMetadata(copy.path, copy.updated)) << copy.path;
 
-        std::vector<ByteRange> written = {copy.description, copy.timeReference};
+        std::vector<ByteRange> written = { copy.description, copy.timeReference };
         if (length != Length::Longer)
             written.push_back(copy.ixml);
         copy.expectSoundAndFrameKept(written);
         copy.expectDescription("SCENE=" + copy.updated.scene);
         EXPECT_EQ(ffprobeTag(copy.path, "time_reference"), std::to_string(copy.updated.timeReference));
         EXPECT_EQ(exifTags(copy.path, tags), expected) << copy.path;
-        EXPECT_EQ(toolOutput({"exiftool", "-b", "-Description", copy.path}), withoutLineEnd(copy.storedDescription()));
+        EXPECT_EQ(
+            toolOutput({ "exiftool", "-b", "-Description", copy.path }), withoutLineEnd(copy.storedDescription()));
     }
 }
 
@@ -316,7 +315,7 @@ TEST_P(LengthTest, trackNamesAreReadByForeignToolsAndTheSoundIsTheSame)
         }
         EXPECT_EQ(BwfMetadataWriter::writeMetadata(copy.path, copy.updated), fits) << copy.path;
         if (fits)
-            copy.expectSoundAndFrameKept({copy.ixml});
+            copy.expectSoundAndFrameKept({ copy.ixml });
         else
             EXPECT_EQ(copy.proof.untouched(), "") << copy.path;
         EXPECT_EQ(exifTagList(copy.path, "BwfxmlTrackListTrackName"), expected) << copy.path;
@@ -329,13 +328,13 @@ INSTANTIATE_TEST_SUITE_P(Recordings, LengthTest, testing::Values(Length::Shorter
 TEST_F(RecordingsTest, timeReferenceIsReadByForeignToolsAndOnlyItsBytesChange)
 {
     for (const fs::path& source : sources) {
-        for (const uint64_t value : {uint64_t{1}, uint64_t{4294967296}, uint64_t{20000000000}}) {
+        for (const uint64_t value : { uint64_t{ 1 }, uint64_t{ 4294967296 }, uint64_t{ 20000000000 } }) {
             Copy copy = copyOf(source);
             copy.updated.timeReference = value;
             ASSERT_TRUE(BwfMetadataWriter::writeMetadata(copy.path, copy.updated)) << copy.path;
-            copy.expectSoundAndFrameKept({copy.timeReference});
+            copy.expectSoundAndFrameKept({ copy.timeReference });
             EXPECT_EQ(ffprobeTag(copy.path, "time_reference"), std::to_string(value)) << copy.path;
-            EXPECT_EQ(exifTags(copy.path, {"TimeReference"}), std::vector<std::string>{std::to_string(value)});
+            EXPECT_EQ(exifTags(copy.path, { "TimeReference" }), std::vector<std::string>{ std::to_string(value) });
         }
     }
 }
@@ -355,8 +354,8 @@ TEST_F(RecordingsTest, circledIsReadByForeignToolsWhereTheFileHasTheElement)
             continue;
         }
         ++circledFiles;
-        copy.expectSoundAndFrameKept({copy.ixml});
-        EXPECT_EQ(exifTags(copy.path, {"BwfxmlCircled"}), std::vector<std::string>{"TRUE"}) << copy.path;
+        copy.expectSoundAndFrameKept({ copy.ixml });
+        EXPECT_EQ(exifTags(copy.path, { "BwfxmlCircled" }), std::vector<std::string>{ "TRUE" }) << copy.path;
     }
     EXPECT_GT(circledFiles, 0u);
 }
@@ -374,7 +373,7 @@ TEST_F(RecordingsTest, wildTrackFitsWhereSomethingElseShrinks)
         ASSERT_TRUE(BwfMetadataWriter::writeMetadata(copy.path, copy.updated)) << copy.path;
         const bool fits = copy.current.note.size() > kLine;
         EXPECT_EQ(BwfMetadataReader::readMetadata(copy.path).wildTrack, fits) << copy.path;
-        copy.expectSoundAndFrameKept({copy.description});
+        copy.expectSoundAndFrameKept({ copy.description });
         ++wildFiles;
     }
     EXPECT_GT(wildFiles, 0u);

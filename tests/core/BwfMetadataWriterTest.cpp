@@ -93,9 +93,9 @@ protected:
 
     size_t bext() const { return builder.payloadOffset("bext"); }
     size_t ixml() const { return builder.payloadOffset("iXML"); }
-    Patch description(const std::string& text) const { return {bext(), field(text, kDescription)}; }
-    Patch ixmlText(const std::string& text) const { return {ixml(), field(text, kIxmlBytes)}; }
-    Patch timeReference(uint64_t value) const { return {bext() + kTimeReference, le64(value)}; }
+    Patch description(const std::string& text) const { return { bext(), field(text, kDescription) }; }
+    Patch ixmlText(const std::string& text) const { return { ixml(), field(text, kIxmlBytes) }; }
+    Patch timeReference(uint64_t value) const { return { bext() + kTimeReference, le64(value) }; }
     BwfMetadata readBack() const { return BwfMetadataReader::readMetadata(path); }
 
     TempFolder folder;
@@ -131,8 +131,8 @@ TEST_F(WriterTest, emptySceneMeansNoChangeWhileAnotherFieldIsWritten)
     makeUsual();
     updated.take = "4";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description(replaced(kDescriptionText, "aTAKE=3", "aTAKE=4")),
-                  ixmlText(replaced(kIxml, "<TAKE>3<", "<TAKE>4<"))}),
+    EXPECT_EQ(proof->patchedExactly({ description(replaced(kDescriptionText, "aTAKE=3", "aTAKE=4")),
+                  ixmlText(replaced(kIxml, "<TAKE>3<", "<TAKE>4<")) }),
         "");
     EXPECT_EQ(readBack().scene, "12");
 }
@@ -158,7 +158,7 @@ TEST_F(WriterTest, fieldsThatAreNeverWrittenAreNoChange)
 TEST_F(WriterTest, channelNumbersAreNotComparedAndTracksOnlyInTheFileDoNotCount)
 {
     makeUsual();
-    updated.tracks = {{7, "Boom", ""}};
+    updated.tracks = { { 7, "Boom", "" } };
     EXPECT_TRUE(save());
     updated.tracks.clear();
     EXPECT_TRUE(save());
@@ -168,36 +168,36 @@ TEST_F(WriterTest, channelNumbersAreNotComparedAndTracksOnlyInTheFileDoNotCount)
 TEST_F(WriterTest, trackBeyondTheFilesListCountsAsChanged)
 {
     makeUsual();
-    updated.tracks = {{1, "Boom", ""}, {1, "Lav_", ""}};
+    updated.tracks = { { 1, "Boom", "" }, { 1, "Lav_", "" } };
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({ixmlText(replaced(kIxml, "<NAME>Boom<", "<NAME>Lav_<"))}), "");
+    EXPECT_EQ(proof->patchedExactly({ ixmlText(replaced(kIxml, "<NAME>Boom<", "<NAME>Lav_<")) }), "");
 }
 
 TEST_F(WriterTest, eachTextFieldAloneReachesTheDescriptionAndTheIxml)
 {
     struct Field {
-        std::string BwfMetadata::* member;
+        std::string BwfMetadata::*member;
         std::string line;
         std::string element;
         std::string value; // As long as the old one.
     };
     const Field fields[] = {
-        {&BwfMetadata::scene, "aSCENE=12", "<SCENE>12", "99"},
-        {&BwfMetadata::take, "aTAKE=3", "<TAKE>3", "9"},
-        {&BwfMetadata::tape, "aTAPE=T1", "<TAPE>T1", "T9"},
-        {&BwfMetadata::note, "aNOTE=wind", "<NOTE>wind", "rain"},
-        {&BwfMetadata::project, "aTAG=Film", "<PROJECT>Film", "Movi"},
+        { &BwfMetadata::scene, "aSCENE=12", "<SCENE>12", "99" },
+        { &BwfMetadata::take, "aTAKE=3", "<TAKE>3", "9" },
+        { &BwfMetadata::tape, "aTAPE=T1", "<TAPE>T1", "T9" },
+        { &BwfMetadata::note, "aNOTE=wind", "<NOTE>wind", "rain" },
+        { &BwfMetadata::project, "aTAG=Film", "<PROJECT>Film", "Movi" },
     };
     for (const Field& each : fields) {
         makeUsual();
         updated.*each.member = each.value;
         EXPECT_TRUE(save()) << each.element;
-        const auto withValue = [&](const std::string& old) {
-            return old.substr(0, old.size() - each.value.size()) + each.value;
-        };
-        EXPECT_EQ(proof->patchedExactly({description(replaced(kDescriptionText, each.line, withValue(each.line))),
-                      ixmlText(replaced(kIxml, each.element, withValue(each.element)))}),
-            "") << each.element;
+        const auto withValue
+            = [&](const std::string& old) { return old.substr(0, old.size() - each.value.size()) + each.value; };
+        EXPECT_EQ(proof->patchedExactly({ description(replaced(kDescriptionText, each.line, withValue(each.line))),
+                      ixmlText(replaced(kIxml, each.element, withValue(each.element))) }),
+            "")
+            << each.element;
     }
 }
 
@@ -208,16 +208,16 @@ TEST_F(WriterTest, wildTrackAloneReachesTheIxml)
     ASSERT_TRUE(current.wildTrack);
     updated.wildTrack = false;
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({ixmlText(kIxml)}), "");
+    EXPECT_EQ(proof->patchedExactly({ ixmlText(kIxml) }), "");
 }
 
 TEST_F(WriterTest, functionOfATrackAloneReachesTheIxml)
 {
     const std::string named = "<NAME>Boom</NAME>";
     make(usual(kDescriptionText, replaced(kIxml, named, named + "<FUNCTION>MIX</FUNCTION>")));
-    updated.tracks = {{1, "Boom", "MID"}};
+    updated.tracks = { { 1, "Boom", "MID" } };
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({ixmlText(replaced(kIxml, named, named + "<FUNCTION>MID</FUNCTION>"))}), "");
+    EXPECT_EQ(proof->patchedExactly({ ixmlText(replaced(kIxml, named, named + "<FUNCTION>MID</FUNCTION>")) }), "");
 }
 
 // The Description.
@@ -227,11 +227,11 @@ TEST_F(WriterTest, sceneGoesIntoDescriptionAndIxml)
     makeUsual();
     updated.scene = "13";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description(replaced(kDescriptionText, "aSCENE=12", "aSCENE=13")),
-                  ixmlText(replaced(kIxml, "<SCENE>12<", "<SCENE>13<"))}),
+    EXPECT_EQ(proof->patchedExactly({ description(replaced(kDescriptionText, "aSCENE=12", "aSCENE=13")),
+                  ixmlText(replaced(kIxml, "<SCENE>12<", "<SCENE>13<")) }),
         "");
     const size_t digit = ixml() + kIxml.find("<SCENE>12") + 8;
-    EXPECT_EQ(proof->changedExactly({{bext() + 8, bext() + 9}, {digit, digit + 1}}), "");
+    EXPECT_EQ(proof->changedExactly({ { bext() + 8, bext() + 9 }, { digit, digit + 1 } }), "");
 }
 
 TEST_F(WriterTest, everyTextFieldReachesTheDescription)
@@ -245,7 +245,7 @@ TEST_F(WriterTest, everyTextFieldReachesTheDescription)
     updated.project = "J";
     EXPECT_TRUE(save());
     EXPECT_EQ(proof->patchedExactly(
-                  {description("aUBITS=U\naSCENE=S\naTAKE=K\naTAPE=P\naSPEED=24.000-ND\naTAG=J\naNOTE=N\n")}),
+                  { description("aUBITS=U\naSCENE=S\naTAKE=K\naTAPE=P\naSPEED=24.000-ND\naTAG=J\naNOTE=N\n") }),
         "");
 }
 
@@ -254,8 +254,8 @@ TEST_F(WriterTest, projectShowsAsTagLineAndAsProjectElement)
     makeUsual();
     updated.project = "Movi";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description(replaced(kDescriptionText, "aTAG=Film", "aTAG=Movi")),
-                  ixmlText(replaced(kIxml, "<PROJECT>Film", "<PROJECT>Movi"))}),
+    EXPECT_EQ(proof->patchedExactly({ description(replaced(kDescriptionText, "aTAG=Film", "aTAG=Movi")),
+                  ixmlText(replaced(kIxml, "<PROJECT>Film", "<PROJECT>Movi")) }),
         "");
 }
 
@@ -265,8 +265,8 @@ TEST_F(WriterTest, unchangedFieldsKeepWhatTheDescriptionSaidEvenIfIxmlSaysOtherw
     updated.note = "rain";
     updated.scene = "12"; // As the iXML has it: no change.
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description("aSCENE=old\naTAKE=9\naSPEED=25.000-ND\naNOTE=rain\n"),
-                  ixmlText(replaced(kIxml, "<NOTE>wind", "<NOTE>rain"))}),
+    EXPECT_EQ(proof->patchedExactly({ description("aSCENE=old\naTAKE=9\naSPEED=25.000-ND\naNOTE=rain\n"),
+                  ixmlText(replaced(kIxml, "<NOTE>wind", "<NOTE>rain")) }),
         "");
 }
 
@@ -275,8 +275,8 @@ TEST_F(WriterTest, digitalKeysStayDigital)
     make(withoutIxml("TS=00112233\ndSCENE=1\ndTRK1=Boom\n"));
     updated.take = "2";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly(
-                  {description("TS=00112233\ndSCENE=1\ndTAKE=2\ndFRAMERATE=24.000FF\ndTRK1=Boom\n")}),
+    EXPECT_EQ(
+        proof->patchedExactly({ description("TS=00112233\ndSCENE=1\ndTAKE=2\ndFRAMERATE=24.000FF\ndTRK1=Boom\n") }),
         "");
 }
 
@@ -289,12 +289,12 @@ TEST_F(WriterTest, descriptionOf255BytesIsKeptWholeAndOf256BytesCutByOne)
     EXPECT_TRUE(save());
     const std::string whole = rate + "aNOTE=" + updated.note + "\n";
     ASSERT_EQ(whole.size(), 255u);
-    EXPECT_EQ(proof->patchedExactly({description(whole)}), "");
+    EXPECT_EQ(proof->patchedExactly({ description(whole) }), "");
 
     make(withoutIxml(""));
     updated.note = std::string(noteBytes + 1, 'n');
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description(rate + "aNOTE=" + updated.note)}), "");
+    EXPECT_EQ(proof->patchedExactly({ description(rate + "aNOTE=" + updated.note) }), "");
     EXPECT_EQ(readBytes(path)[bext() + 255], '\0');
 }
 
@@ -304,7 +304,7 @@ TEST_F(WriterTest, linesThatDoNotFitAreLostFromTheEndTrackNamesFirst)
     updated.note = std::string(211, 'n');
     EXPECT_TRUE(save());
     const std::string built = "aSCENE=1\naSPEED=24.000-ND\naNOTE=" + updated.note + "\naTRK1=Boom\naTRK2=Lavalier\n";
-    EXPECT_EQ(proof->patchedExactly({description(built.substr(0, 255))}), "");
+    EXPECT_EQ(proof->patchedExactly({ description(built.substr(0, 255)) }), "");
     EXPECT_EQ(built.substr(244, 11), "aTRK1=Boom\n");
 }
 
@@ -314,7 +314,7 @@ TEST_F(WriterTest, cutIsBlindToCharactersOfSeveralBytes)
     const std::string start = "aSPEED=24.000-ND\naNOTE=";
     updated.note = std::string(254 - start.size(), 'n') + "\xC3\xA9";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description(start + updated.note.substr(0, 255 - start.size()))}), "");
+    EXPECT_EQ(proof->patchedExactly({ description(start + updated.note.substr(0, 255 - start.size())) }), "");
     EXPECT_EQ(readBytes(path).substr(bext() + 254, 2), std::string("\xC3\0", 2));
 }
 
@@ -323,7 +323,7 @@ TEST_F(WriterTest, olderLongerDescriptionLeavesNothingBehind)
     make(withoutIxml("aNOTE=" + std::string(240, 'x')));
     updated.note = "n";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description("aSPEED=24.000-ND\naNOTE=n\n")}), "");
+    EXPECT_EQ(proof->patchedExactly({ description("aSPEED=24.000-ND\naNOTE=n\n") }), "");
 }
 
 TEST_F(WriterTest, freeTextAndUnknownKeysAreLostOnTheFirstChange)
@@ -331,7 +331,7 @@ TEST_F(WriterTest, freeTextAndUnknownKeysAreLostOnTheFirstChange)
     make(withoutIxml("Some free text\naMIC=MKH50\naSCENE=1\n"));
     updated.take = "2";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description("aSCENE=1\naTAKE=2\naSPEED=24.000-ND\n")}), "");
+    EXPECT_EQ(proof->patchedExactly({ description("aSCENE=1\naTAKE=2\naSPEED=24.000-ND\n") }), "");
 }
 
 TEST_F(WriterTest, analogueUserBitsAreLostUnlessChangedInTheSameCall)
@@ -339,13 +339,13 @@ TEST_F(WriterTest, analogueUserBitsAreLostUnlessChangedInTheSameCall)
     make(withoutIxml("aUBITS=11223344\naSCENE=1\n"));
     updated.take = "2";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description("aSCENE=1\naTAKE=2\naSPEED=24.000-ND\n")}), "");
+    EXPECT_EQ(proof->patchedExactly({ description("aSCENE=1\naTAKE=2\naSPEED=24.000-ND\n") }), "");
 
     make(withoutIxml("aUBITS=11223344\naSCENE=1\n"));
     updated.take = "2";
     updated.ubits = "11223344";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description("aUBITS=11223344\naSCENE=1\naTAKE=2\naSPEED=24.000-ND\n")}), "");
+    EXPECT_EQ(proof->patchedExactly({ description("aUBITS=11223344\naSCENE=1\naTAKE=2\naSPEED=24.000-ND\n") }), "");
 }
 
 TEST_F(WriterTest, userBitsGoToTheDescriptionAlone)
@@ -353,7 +353,7 @@ TEST_F(WriterTest, userBitsGoToTheDescriptionAlone)
     makeUsual();
     updated.ubits = "$12345678";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description("aUBITS=$12345678\n" + kDescriptionText)}), "");
+    EXPECT_EQ(proof->patchedExactly({ description("aUBITS=$12345678\n" + kDescriptionText) }), "");
 }
 
 TEST_F(WriterTest, circledAndWildTrackAndTracksLeaveTheDescriptionAlone)
@@ -361,7 +361,7 @@ TEST_F(WriterTest, circledAndWildTrackAndTracksLeaveTheDescriptionAlone)
     makeUsual();
     updated.circled = true;
     updated.wildTrack = true;
-    updated.tracks = {{1, "", ""}};
+    updated.tracks = { { 1, "", "" } };
     updated.take = "";
     EXPECT_FALSE(save()); // The new element doesn't fit.
     EXPECT_EQ(proof->untouched(), "");
@@ -369,7 +369,7 @@ TEST_F(WriterTest, circledAndWildTrackAndTracksLeaveTheDescriptionAlone)
     updated.wildTrack = false;
     EXPECT_TRUE(save());
     const std::string edited = replaced(replaced(kIxml, ">FALSE<", ">TRUE<"), "<NAME>Boom<", "<NAME><");
-    EXPECT_EQ(proof->patchedExactly({ixmlText(edited)}), "");
+    EXPECT_EQ(proof->patchedExactly({ ixmlText(edited) }), "");
 }
 
 TEST_F(WriterTest, rateLineIsBuiltWithTheRateOfTheFileNeverOfTheWantedRecord)
@@ -378,7 +378,7 @@ TEST_F(WriterTest, rateLineIsBuiltWithTheRateOfTheFileNeverOfTheWantedRecord)
     updated.frameRate = 29.97;
     updated.take = "2";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description("aTAKE=2\naSPEED=23.976-ND\n")}), "");
+    EXPECT_EQ(proof->patchedExactly({ description("aTAKE=2\naSPEED=23.976-ND\n") }), "");
 }
 
 TEST_F(WriterTest, rateLineSays24WhereTheFileKnowsNoRate)
@@ -386,7 +386,7 @@ TEST_F(WriterTest, rateLineSays24WhereTheFileKnowsNoRate)
     make(withoutIxml(""));
     updated.take = "2";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description("aTAKE=2\naSPEED=24.000-ND\n")}), "");
+    EXPECT_EQ(proof->patchedExactly({ description("aTAKE=2\naSPEED=24.000-ND\n") }), "");
 }
 
 TEST_F(WriterTest, negativeRateOfTheFileCountsAsNone)
@@ -395,7 +395,7 @@ TEST_F(WriterTest, negativeRateOfTheFileCountsAsNone)
     ASSERT_EQ(current.frameRate, -25.0);
     updated.take = "2";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description("aTAKE=2\naSPEED=24.000-ND\n")}), "");
+    EXPECT_EQ(proof->patchedExactly({ description("aTAKE=2\naSPEED=24.000-ND\n") }), "");
 }
 
 // The time reference.
@@ -406,8 +406,8 @@ TEST_F(WriterTest, timeReferenceAloneChangesItsEightBytesOnly)
     updated.timeReference = 0x0102030405060708u;
     EXPECT_TRUE(save());
     EXPECT_EQ(readBytes(path).substr(bext() + kTimeReference, 8), "\x08\x07\x06\x05\x04\x03\x02\x01");
-    EXPECT_EQ(proof->patchedExactly({timeReference(0x0102030405060708u)}), "");
-    EXPECT_EQ(proof->changedExactly({{bext() + kTimeReference, bext() + kTimeReference + 8}}), "");
+    EXPECT_EQ(proof->patchedExactly({ timeReference(0x0102030405060708u) }), "");
+    EXPECT_EQ(proof->changedExactly({ { bext() + kTimeReference, bext() + kTimeReference + 8 } }), "");
 }
 
 TEST_F(WriterTest, timeReferenceComesBackAsWritten)
@@ -415,7 +415,7 @@ TEST_F(WriterTest, timeReferenceComesBackAsWritten)
     makeUsual();
     updated.timeReference = 20000000000u;
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({timeReference(20000000000u)}), "");
+    EXPECT_EQ(proof->patchedExactly({ timeReference(20000000000u) }), "");
     EXPECT_EQ(readBack().timeReference, 20000000000u);
 }
 
@@ -425,8 +425,8 @@ TEST_F(WriterTest, allThreeStepsOfOneCallAreWritten)
     updated.scene = "13";
     updated.timeReference = 77;
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description(replaced(kDescriptionText, "aSCENE=12", "aSCENE=13")),
-                  timeReference(77), ixmlText(replaced(kIxml, "<SCENE>12<", "<SCENE>13<"))}),
+    EXPECT_EQ(proof->patchedExactly({ description(replaced(kDescriptionText, "aSCENE=12", "aSCENE=13")),
+                  timeReference(77), ixmlText(replaced(kIxml, "<SCENE>12<", "<SCENE>13<")) }),
         "");
 }
 
@@ -462,8 +462,8 @@ TEST_F(WriterTest, roundTripKeepsEveryFieldThatWasNotEdited)
     EXPECT_EQ(read.fileSize, current.fileSize);
     ASSERT_EQ(read.tracks.size(), 1u);
     EXPECT_EQ(read.tracks[0].name, "Boom");
-    EXPECT_EQ(proof->unchangedOutside({{bext(), bext() + kDescription},
-                  {bext() + kTimeReference, bext() + kTimeReference + 8}, {ixml(), ixml() + kIxmlBytes}}),
+    EXPECT_EQ(proof->unchangedOutside({ { bext(), bext() + kDescription },
+                  { bext() + kTimeReference, bext() + kTimeReference + 8 }, { ixml(), ixml() + kIxmlBytes } }),
         "");
 }
 
@@ -493,10 +493,10 @@ TEST_F(WriterTest, withoutBextAFlagOrATrackNameAloneReachesTheIxml)
     WavBuilder noBext;
     make(noBext.fmt(48000, 1, 24).ixmlPadded(kIxml, kIxmlBytes, '\0').dataFrames(300));
     updated.circled = true;
-    updated.tracks = {{1, "Lav", ""}};
+    updated.tracks = { { 1, "Lav", "" } };
     EXPECT_TRUE(save());
     const std::string edited = replaced(replaced(kIxml, ">FALSE<", ">TRUE<"), ">Boom<", ">Lav<");
-    EXPECT_EQ(proof->patchedExactly({ixmlText(edited)}), "");
+    EXPECT_EQ(proof->patchedExactly({ ixmlText(edited) }), "");
 }
 
 TEST_F(WriterTest, withoutIxmlAFlagIsFalseAndTheFileUntouched)
@@ -512,7 +512,7 @@ TEST_F(WriterTest, withoutIxmlASceneGoesToTheDescriptionAndIsTrue)
     make(withoutIxml("aSCENE=1\n"));
     updated.scene = "2";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description("aSCENE=2\naSPEED=24.000-ND\n")}), "");
+    EXPECT_EQ(proof->patchedExactly({ description("aSCENE=2\naSPEED=24.000-ND\n") }), "");
     EXPECT_EQ(readBack().scene, "") << "without iXML the Description is not read for fields";
 }
 
@@ -521,22 +521,22 @@ TEST_F(WriterTest, ixmlThatWouldGrowStaysWhileTheDescriptionIsWrittenAndIxmlWins
     makeUsual();
     updated.scene = "12A";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description(replaced(kDescriptionText, "aSCENE=12", "aSCENE=12A"))}), "");
+    EXPECT_EQ(proof->patchedExactly({ description(replaced(kDescriptionText, "aSCENE=12", "aSCENE=12A")) }), "");
     EXPECT_EQ(readBack().scene, "12");
 }
 
 TEST_F(WriterTest, ixmlAloneThatWouldGrowIsFalseAndTheFileUntouched)
 {
     makeUsual();
-    updated.tracks = {{1, "Boom 1", ""}};
+    updated.tracks = { { 1, "Boom 1", "" } };
     EXPECT_FALSE(save());
     EXPECT_EQ(proof->untouched(), "");
 }
 
 TEST_F(WriterTest, missingFileThrows)
 {
-    EXPECT_THROW((void)BwfMetadataWriter::writeMetadata(folder.file("none.wav"), updated),
-        std::filesystem::filesystem_error);
+    EXPECT_THROW(
+        (void)BwfMetadataWriter::writeMetadata(folder.file("none.wav"), updated), std::filesystem::filesystem_error);
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 
@@ -546,7 +546,7 @@ TEST_F(WriterTest, pathBytesReachTheFileSystemUnharmed)
     makeUsual();
     updated.scene = "9";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->changedWithin({{bext(), bext() + kDescription}, {ixml(), ixml() + kIxmlBytes}}), "");
+    EXPECT_EQ(proof->changedWithin({ { bext(), bext() + kDescription }, { ixml(), ixml() + kIxmlBytes } }), "");
 }
 
 TEST_F(WriterTest, linkedFileIsWrittenThroughTheLink)
@@ -557,7 +557,7 @@ TEST_F(WriterTest, linkedFileIsWrittenThroughTheLink)
     updated.timeReference = 5;
     EXPECT_TRUE(BwfMetadataWriter::writeMetadata(folder.file("link.wav"), updated));
     EXPECT_TRUE(std::filesystem::is_symlink(folder.file("link.wav")));
-    EXPECT_EQ(proof->patchedExactly({timeReference(5)}), "");
+    EXPECT_EQ(proof->patchedExactly({ timeReference(5) }), "");
 }
 
 // Layouts.
@@ -570,7 +570,7 @@ TEST_F(WriterTest, chunksBehindTheAudioAreWritten)
     EXPECT_TRUE(save());
     std::string edited = replaced(kIxml, "<SCENE>12<", "<SCENE>1<");
     edited.resize(kIxmlBytes - 1, ' ');
-    EXPECT_EQ(proof->patchedExactly({ixmlText(edited), description("aSCENE=1\naSPEED=25.000-ND\n")}), "");
+    EXPECT_EQ(proof->patchedExactly({ ixmlText(edited), description("aSCENE=1\naSPEED=25.000-ND\n") }), "");
 }
 
 TEST_F(WriterTest, rf64IsPatchedWhereTheChunksStandInFrontOfTheAudio)
@@ -580,8 +580,8 @@ TEST_F(WriterTest, rf64IsPatchedWhereTheChunksStandInFrontOfTheAudio)
     make(large.claimSize("data", 0xFFFFFFFFu));
     updated.scene = "13";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description("aSCENE=13\naSPEED=25.000-ND\n"),
-                  ixmlText(replaced(kIxml, "<SCENE>12<", "<SCENE>13<"))}),
+    EXPECT_EQ(proof->patchedExactly({ description("aSCENE=13\naSPEED=25.000-ND\n"),
+                  ixmlText(replaced(kIxml, "<SCENE>12<", "<SCENE>13<")) }),
         "");
 }
 
@@ -604,7 +604,7 @@ TEST_F(WriterTest, fileThatIsNoWaveButHasChunksIsPatchedAllTheSame)
     ASSERT_EQ(current.description, "");
     updated.scene = "13";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({description("aSCENE=13\naSPEED=24.000-ND\n")}), "");
+    EXPECT_EQ(proof->patchedExactly({ description("aSCENE=13\naSPEED=24.000-ND\n") }), "");
 }
 
 // A `bext` payload shorter than what is written into it. Inside the file the writes run on into what follows; at the
@@ -663,8 +663,8 @@ TEST_F(WriterTest, ixmlInFrontOfBextIsTheOneThatIsWritten)
     updated.scene = "13";
     updated.timeReference = 5;
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({ixmlText(replaced(kIxml, "<SCENE>12<", "<SCENE>13<")),
-                  description("aSCENE=13\naSPEED=25.000-ND\n"), timeReference(5)}),
+    EXPECT_EQ(proof->patchedExactly({ ixmlText(replaced(kIxml, "<SCENE>12<", "<SCENE>13<")),
+                  description("aSCENE=13\naSPEED=25.000-ND\n"), timeReference(5) }),
         "");
 }
 
@@ -675,7 +675,7 @@ TEST_F(WriterTest, descriptionEndsAtTheEndOfTheFile)
     make(cut);
     updated.scene = "13";
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({{bext(), "aSCENE=13\naS"}}), "");
+    EXPECT_EQ(proof->patchedExactly({ { bext(), "aSCENE=13\naS" } }), "");
 }
 
 TEST_F(WriterTest, timeReferenceEndsAtTheEndOfTheFile)
@@ -685,12 +685,12 @@ TEST_F(WriterTest, timeReferenceEndsAtTheEndOfTheFile)
     make(cut);
     updated.timeReference = 0x0102030405060708u;
     EXPECT_TRUE(save());
-    EXPECT_EQ(proof->patchedExactly({{bext() + kTimeReference, "\x08\x07\x06"}}), "");
+    EXPECT_EQ(proof->patchedExactly({ { bext() + kTimeReference, "\x08\x07\x06" } }), "");
 }
 
 TEST_F(WriterTest, timeReferenceWhollyPastTheEndOfTheFileIsTrueAndTheFileUntouched)
 {
-    for (const size_t payload : {size_t{0}, size_t{100}, size_t{338}}) {
+    for (const size_t payload : { size_t{ 0 }, size_t{ 100 }, size_t{ 338 } }) {
         WavBuilder cut;
         cut.fmt(48000, 1, 24).dataFrames(30).chunk("bext", std::string(payload, 'd'));
         make(cut);
@@ -713,7 +713,7 @@ TEST_F(WriterTest, bextHeaderThatEndsTheFileInItsSizeFieldIsTrueAndTheFileUntouc
 
 TEST_F(WriterTest, ixmlThatClaimsMoreThanTheFileHoldsIsTrueAndTheFileUntouched)
 {
-    for (const uint32_t claim : {uint32_t{0x7FFFFFFF}, uint32_t{0xFFFFFFFE}, uint32_t{0xFFFFFFFF}}) {
+    for (const uint32_t claim : { uint32_t{ 0x7FFFFFFF }, uint32_t{ 0xFFFFFFFE }, uint32_t{ 0xFFFFFFFF } }) {
         WavBuilder lying;
         lying.fmt(48000, 1, 24).dataFrames(30).ixml(kIxml).claimSize("iXML", claim);
         make(lying);
@@ -738,8 +738,7 @@ void writeBeyond4GiB(const std::string& path, const WavBuilder& front, const std
 }
 
 struct SparseState {
-    explicit SparseState(const std::string& path)
-        : size(std::filesystem::file_size(path))
+    explicit SparseState(const std::string& path) : size(std::filesystem::file_size(path))
     {
         struct stat status { };
         stat(path.c_str(), &status);
@@ -798,7 +797,7 @@ TEST_F(WriterTest, ixmlBehind4GiBIsNotFoundAndNoAudioIsWrittenOver)
 
 namespace {
 
-constexpr uint64_t k4GiB = uint64_t{1} << 32;
+constexpr uint64_t k4GiB = uint64_t{ 1 } << 32;
 
 /// A sparse RIFF file whose `bext` payload begins at `payload`. Its audio begins at offset 44.
 void writeWithBextAt(const std::string& path, uint64_t payload, const std::string& bext)
@@ -807,7 +806,8 @@ void writeWithBextAt(const std::string& path, uint64_t payload, const std::strin
     WavBuilder front;
     const std::string head = front.fmt(48000, 1, 16).bytes();
     EXPECT_EQ(head.size() + 8, kAudioBegin);
-    writeBytes(path, head + "data" + le32(static_cast<uint32_t>(payload - 8 - kAudioBegin)) + std::string(4096, '\x33'));
+    writeBytes(
+        path, head + "data" + le32(static_cast<uint32_t>(payload - 8 - kAudioBegin)) + std::string(4096, '\x33'));
     std::filesystem::resize_file(path, payload - 8);
     std::ofstream(path, std::ios::binary | std::ios::app) << "bext" << le32(static_cast<uint32_t>(bext.size())) << bext;
 }
@@ -901,7 +901,10 @@ TEST_F(WriterStreamTest, writeStringAlwaysEndsTheFieldInNul)
 {
     open("0123456789");
     BwfMetadataWriter::writeString(stream, "abcdef", 4, 3);
-    EXPECT_EQ(written(), std::string("012abc\0" "789", 10));
+    EXPECT_EQ(written(),
+        std::string("012abc\0"
+                    "789",
+            10));
 }
 
 TEST_F(WriterStreamTest, writeStringFillsTheFieldWithNul)
@@ -909,7 +912,11 @@ TEST_F(WriterStreamTest, writeStringFillsTheFieldWithNul)
     open("0123456789");
     BwfMetadataWriter::writeString(stream, "a", 4, 3);
     BwfMetadataWriter::writeString(stream, "", 1, 0);
-    EXPECT_EQ(written(), std::string("\0" "12a\0\0\0" "789", 10));
+    EXPECT_EQ(written(),
+        std::string("\0"
+                    "12a\0\0\0"
+                    "789",
+            10));
 }
 
 TEST_F(WriterStreamTest, writeStringOnAWriteStreamGoesOnWhereItStands)

@@ -51,22 +51,22 @@ TEST_F(FileProofTest, sameBytesWrittenAgainAreNotUntouched)
 TEST_F(FileProofTest, longerOrShorterFileIsNoticedByEveryProof)
 {
     const FileProof proof(path);
-    for (const std::string& other : {bytes + '\0', bytes.substr(0, bytes.size() - 1)}) {
+    for (const std::string& other : { bytes + '\0', bytes.substr(0, bytes.size() - 1) }) {
         writeBytes(path, other);
-        const ByteRange whole = {0, bytes.size() + 1};
+        const ByteRange whole = { 0, bytes.size() + 1 };
         EXPECT_NE(proof.patchedExactly({}), "");
-        EXPECT_NE(proof.unchangedOutside({whole}), "");
-        EXPECT_NE(proof.changedWithin({whole}), "");
+        EXPECT_NE(proof.unchangedOutside({ whole }), "");
+        EXPECT_NE(proof.changedWithin({ whole }), "");
     }
 }
 
 TEST_F(FileProofTest, changedAudioAndChangedSizeFieldsAreNoticedEvenWhereAChangeIsAllowed)
 {
     const FileProof proof(path);
-    for (const size_t at : {builder.payloadOffset("data") + 5, builder.payloadOffset("data") - 4, bext - 4}) {
+    for (const size_t at : { builder.payloadOffset("data") + 5, builder.payloadOffset("data") - 4, bext - 4 }) {
         writeBytes(path, withByteChangedAt(at));
-        EXPECT_NE(proof.unchangedOutside({{at, at + 1}}), "") << at;
-        EXPECT_NE(proof.changedExactly({{at, at + 1}}), "") << at;
+        EXPECT_NE(proof.unchangedOutside({ { at, at + 1 } }), "") << at;
+        EXPECT_NE(proof.changedExactly({ { at, at + 1 } }), "") << at;
     }
 }
 
@@ -81,25 +81,26 @@ TEST_F(FileProofTest, rangesAreExactToTheByte)
 {
     const FileProof proof(path);
     writeBytes(path, withByteChangedAt(bext + 10));
-    EXPECT_EQ(proof.changedExactly({{bext + 10, bext + 11}}), "");
-    EXPECT_NE(proof.changedExactly({{bext + 10, bext + 12}}), "");
-    EXPECT_NE(proof.changedExactly({{bext + 9, bext + 11}}), "");
+    EXPECT_EQ(proof.changedExactly({ { bext + 10, bext + 11 } }), "");
+    EXPECT_NE(proof.changedExactly({ { bext + 10, bext + 12 } }), "");
+    EXPECT_NE(proof.changedExactly({ { bext + 9, bext + 11 } }), "");
     EXPECT_NE(proof.changedExactly({}), "");
-    EXPECT_EQ(proof.changedWithin({{bext + 10, bext + 11}}), "");
-    EXPECT_NE(proof.changedWithin({{bext + 11, bext + 20}}), "");
-    EXPECT_NE(proof.changedWithin({{bext, bext + 20}, {bext + 20, bext + 30}}), "") << "nothing changed in the second";
-    EXPECT_NE(proof.unchangedOutside({{bext, bext + 10}}), "");
+    EXPECT_EQ(proof.changedWithin({ { bext + 10, bext + 11 } }), "");
+    EXPECT_NE(proof.changedWithin({ { bext + 11, bext + 20 } }), "");
+    EXPECT_NE(proof.changedWithin({ { bext, bext + 20 }, { bext + 20, bext + 30 } }), "")
+        << "nothing changed in the second";
+    EXPECT_NE(proof.unchangedOutside({ { bext, bext + 10 } }), "");
 }
 
 TEST_F(FileProofTest, patchThatWasNotWrittenOrWrittenOtherwiseIsNoticed)
 {
     const FileProof proof(path);
-    EXPECT_NE(proof.patchedExactly({{bext, "xy"}}), "");
-    EXPECT_NE(proof.patchedExactly({{bytes.size() - 1, "xy"}}), "") << "reaches past the end of the file";
+    EXPECT_NE(proof.patchedExactly({ { bext, "xy" } }), "");
+    EXPECT_NE(proof.patchedExactly({ { bytes.size() - 1, "xy" } }), "") << "reaches past the end of the file";
     std::string patched = bytes;
     patched.replace(bext, 2, "xy");
     writeBytes(path, patched);
-    EXPECT_EQ(proof.patchedExactly({{bext, "xy"}}), "");
-    EXPECT_NE(proof.patchedExactly({{bext, "xx"}}), "");
-    EXPECT_NE(proof.patchedExactly({{bext + 1, "y"}}), "");
+    EXPECT_EQ(proof.patchedExactly({ { bext, "xy" } }), "");
+    EXPECT_NE(proof.patchedExactly({ { bext, "xx" } }), "");
+    EXPECT_NE(proof.patchedExactly({ { bext + 1, "y" } }), "");
 }

@@ -68,17 +68,14 @@ bool indexedEdit(IxmlTrackText& text, int32_t channel, const std::string& name, 
 /// Texts and values made of the tags themselves and of pieces that almost are one.
 class PieceSource {
 public:
-    explicit PieceSource(unsigned seed)
-        : random(seed)
-    {
-    }
+    explicit PieceSource(unsigned seed) : random(seed) { }
 
     std::string text(size_t pieces)
     {
-        static const std::string kPieces[] = {"<TRACK>", "</TRACK>", "<NAME>", "</NAME>", "<FUNCTION>", "</FUNCTION>",
+        static const std::string kPieces[] = { "<TRACK>", "</TRACK>", "<NAME>", "</NAME>", "<FUNCTION>", "</FUNCTION>",
             "<CHANNEL_INDEX>1</CHANNEL_INDEX>", "<CHANNEL_INDEX>2</CHANNEL_INDEX>", "<CHANNEL_INDEX>-3</CHANNEL_INDEX>",
             "<CHANNEL_INDEX>01</CHANNEL_INDEX>", "<CHANNEL_INDEX>", "</CHANNEL_INDEX>", "<", ">", "</", "NAME>", "1",
-            "abc", "TRACK>", "<TRACK", "<NAM"};
+            "abc", "TRACK>", "<TRACK", "<NAM" };
         std::string result;
         for (size_t i = 0; i < pieces; ++i)
             result += kPieces[number(std::size(kPieces))];
@@ -88,7 +85,7 @@ public:
     std::string plainValue() { return std::string(number(20), 'x'); }
     std::string value() { return number(4) == 0 ? text(number(4)) : plainValue(); }
     size_t number(size_t below) { return random() % below; }
-    int32_t channel() { return std::array{1, 2, -3, 7}[number(4)]; }
+    int32_t channel() { return std::array{ 1, 2, -3, 7 }[number(4)]; }
 
 private:
     std::mt19937 random;
@@ -116,7 +113,7 @@ TEST(IxmlTrackText, anyChainOfEditsEndsInTheTextThatPlainSearchesGive)
 
 TEST(IxmlTrackText, onlyThePlainDecimalOfANumberIsFound)
 {
-    for (const char* spelling : {"01", "+1", " 1", "1 ", "1.0", "", "-1"}) {
+    for (const char* spelling : { "01", "+1", " 1", "1 ", "1.0", "", "-1" }) {
         IxmlTrackText text(std::string("<CHANNEL_INDEX>") + spelling + "</CHANNEL_INDEX>");
         EXPECT_EQ(text.firstChannelIndex(1), IxmlTrackText::kNone) << spelling;
     }

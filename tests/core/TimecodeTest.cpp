@@ -34,7 +34,10 @@ Timecode timecode(int hours, int minutes, int seconds, int frames, int rate, boo
     return made;
 }
 
-std::string textOf(int64_t count, int rate, bool drop) { return Timecode::fromFrames(count, rate, drop).toString(); }
+std::string textOf(int64_t count, int rate, bool drop)
+{
+    return Timecode::fromFrames(count, rate, drop).toString();
+}
 
 std::string playing(uint64_t reference, uint32_t sampleRate, double rate, bool drop, double position)
 {
@@ -139,7 +142,7 @@ TEST(TimecodeFromFrames, hoursRunOn)
 
 TEST(TimecodeFromFrames, aRateBelowOneGivesZeros)
 {
-    for (const int rate : {0, -1, std::numeric_limits<int>::min()}) {
+    for (const int rate : { 0, -1, std::numeric_limits<int>::min() }) {
         const Timecode made = Timecode::fromFrames(123456, rate, true);
         EXPECT_EQ(made.toString(), "00:00:00;00");
         EXPECT_EQ(made.frameRate, rate);
@@ -211,13 +214,13 @@ TEST(TimecodeToFrames, wholeSecondsAreFormedIn32Bits)
 TEST(TimecodeToFrames, framesAreAddedIn64Bits)
 {
     const int most = std::numeric_limits<int32_t>::max();
-    EXPECT_EQ(timecode(0, 0, 1, most, most, false).toFrames(), 2 * int64_t {most});
+    EXPECT_EQ(timecode(0, 0, 1, most, most, false).toFrames(), 2 * int64_t{ most });
 }
 
 TEST(TimecodeToFrames, dropFrameHoursOf32BitsDoNotOverflow)
 {
     const int most = std::numeric_limits<int32_t>::max();
-    EXPECT_EQ(timecode(most, 0, 0, 0, 30, true).toFrames(), int64_t {most} * 107892);
+    EXPECT_EQ(timecode(most, 0, 0, 0, 30, true).toFrames(), int64_t{ most } * 107892);
 }
 
 TEST(TimecodeRoundTrip, everyDropFrameCountOfADayComesBack)
@@ -241,7 +244,7 @@ TEST(TimecodeRoundTrip, dropFrameTimecodesGoUpWithTheCount)
     for (int64_t count = 1; count < kDropFramesPerDay; ++count) {
         const Timecode next = Timecode::fromFrames(count, 30, true);
         const auto order = [](const Timecode& each) {
-            return ((int64_t {each.hours} * 60 + each.minutes) * 60 + each.seconds) * 30 + each.frames;
+            return ((int64_t{ each.hours } * 60 + each.minutes) * 60 + each.seconds) * 30 + each.frames;
         };
         stepsBack += order(next) <= order(last);
         last = next;
@@ -252,7 +255,7 @@ TEST(TimecodeRoundTrip, dropFrameTimecodesGoUpWithTheCount)
 TEST(TimecodeRoundTrip, countsOfOtherRatesComeBack)
 {
     std::mt19937_64 random(1);
-    for (const int rate : {1, 24, 25, 30, 48, 50, 60, 120}) {
+    for (const int rate : { 1, 24, 25, 30, 48, 50, 60, 120 }) {
         std::uniform_int_distribution<int64_t> counts(0, Timecode::framesPerDay(rate, false) - 1);
         for (int i = 0; i < 20000; ++i) {
             const int64_t count = counts(random);
@@ -283,11 +286,14 @@ TEST(TimecodeNominalRate, roundsHalvesAwayFromZero)
     EXPECT_EQ(Timecode::nominalFrameRate(0.49999999999999994), 0);
 }
 
-TEST(TimecodeNominalRate, subnormalRatesCountAndRoundToZero) { EXPECT_EQ(Timecode::nominalFrameRate(kTiny), 0); }
+TEST(TimecodeNominalRate, subnormalRatesCountAndRoundToZero)
+{
+    EXPECT_EQ(Timecode::nominalFrameRate(kTiny), 0);
+}
 
 TEST(TimecodeNominalRate, whatIsNotPositiveAndFiniteIsTwentyFour)
 {
-    for (const double rate : {0.0, -0.0, -25.0, kNan, kInfinity, -kInfinity})
+    for (const double rate : { 0.0, -0.0, -25.0, kNan, kInfinity, -kInfinity })
         EXPECT_EQ(Timecode::nominalFrameRate(rate), 24) << rate;
 }
 
@@ -311,7 +317,7 @@ TEST(TimecodeDropFrame, needsTheFlagAndARateOfTwentyNineOrThirty)
 
 TEST(TimecodeDropFrame, needsAPositiveFiniteRate)
 {
-    for (const double rate : {0.0, -29.97, kNan, kInfinity, kHuge, kTiny})
+    for (const double rate : { 0.0, -29.97, kNan, kInfinity, kHuge, kTiny })
         EXPECT_FALSE(Timecode::usesDropFrame(rate, true)) << rate;
 }
 
@@ -343,13 +349,13 @@ TEST(TimecodePlaying, addsThePositionToTheStart)
 
 TEST(TimecodePlaying, aDayAndASecondWraps)
 {
-    EXPECT_EQ(playing(uint64_t {86401} * 48000, 48000, 25.0, false, 0.0), "00:00:01:00");
+    EXPECT_EQ(playing(uint64_t{ 86401 } * 48000, 48000, 25.0, false, 0.0), "00:00:01:00");
 }
 
 TEST(TimecodePlaying, aDropFrameStartOfADayWrapsTo2592Frames)
 {
     // 86400 s at 30 frames are 2592 frames more than a drop-frame day holds.
-    EXPECT_EQ(playing(uint64_t {86400} * 48000, 48000, 29.97, true, 0.0), "00:01:26;14");
+    EXPECT_EQ(playing(uint64_t{ 86400 } * 48000, 48000, 29.97, true, 0.0), "00:01:26;14");
 }
 
 TEST(TimecodePlaying, theDayOfDropFrameIsItsOwn)
@@ -383,7 +389,7 @@ TEST(TimecodePlaying, aPositionAHairBelowAFrameIsThatFrame)
 
 TEST(TimecodePlaying, badPositionsCountAsZero)
 {
-    for (const double position : {kNan, -1.0, -0.0, kInfinity, -kInfinity})
+    for (const double position : { kNan, -1.0, -0.0, kInfinity, -kInfinity })
         EXPECT_EQ(playing(172800000, 48000, 25.0, false, position), "01:00:00:00") << position;
 }
 
@@ -395,7 +401,7 @@ TEST(TimecodePlaying, aZeroSampleRateOrReferenceStartsAtMidnight)
 
 TEST(TimecodePlaying, badRatesCountAsTwentyFour)
 {
-    for (const double rate : {0.0, -25.0, kNan, kInfinity}) {
+    for (const double rate : { 0.0, -25.0, kNan, kInfinity }) {
         const Timecode made = Timecode::fromPlaybackPosition(48000, 48000, rate, true, 1.5);
         EXPECT_EQ(made.toString(), "00:00:02:12") << rate;
         EXPECT_EQ(made.frameRate, 24);
@@ -427,21 +433,21 @@ TEST(TimecodePlaying, dropFrameAtTwentyNineWrapsAfterItsPlainDay)
 TEST(TimecodePlaying, hugeStartsWrapByTheTrueRemainder)
 {
     // 2^63 samples at one a second: 2^63 mod 86400 seconds is 55808, that is 15:30:08.
-    EXPECT_EQ(playing(uint64_t {1} << 63, 1, 25.0, false, 0.0), "15:30:08:00");
+    EXPECT_EQ(playing(uint64_t{ 1 } << 63, 1, 25.0, false, 0.0), "15:30:08:00");
 }
 
 TEST(TimecodePlaying, everyCombinationOfExtremesIsATimeOfDay)
 {
-    constexpr std::array<uint64_t, 5> kReferences {0, 1, 20000000000, uint64_t {1} << 63, UINT64_MAX};
-    constexpr std::array<uint32_t, 4> kSampleRates {0, 1, 48000, UINT32_MAX};
-    constexpr std::array kRates {0.0, kTiny, 0.4, 1.0, 23.976, 29.0, 29.97, 30.0, 1e9, 2147483647.0, 1e18, kHuge, kNan,
-        kInfinity, -kHuge};
-    constexpr std::array kPositions {0.0, kTiny, 1.0, 86399.999, 1e18, 1e300, kHuge, kNan, -1.0, kInfinity};
+    constexpr std::array<uint64_t, 5> kReferences{ 0, 1, 20000000000, uint64_t{ 1 } << 63, UINT64_MAX };
+    constexpr std::array<uint32_t, 4> kSampleRates{ 0, 1, 48000, UINT32_MAX };
+    constexpr std::array kRates{ 0.0, kTiny, 0.4, 1.0, 23.976, 29.0, 29.97, 30.0, 1e9, 2147483647.0, 1e18, kHuge, kNan,
+        kInfinity, -kHuge };
+    constexpr std::array kPositions{ 0.0, kTiny, 1.0, 86399.999, 1e18, 1e300, kHuge, kNan, -1.0, kInfinity };
     for (const uint64_t reference : kReferences) {
         for (const uint32_t sampleRate : kSampleRates) {
             for (const double rate : kRates) {
                 for (const double position : kPositions) {
-                    for (const bool drop : {false, true}) {
+                    for (const bool drop : { false, true }) {
                         const Timecode made
                             = Timecode::fromPlaybackPosition(reference, sampleRate, rate, drop, position);
                         const bool runsPastTheDay = rate == 29.0 && drop;
@@ -483,43 +489,43 @@ TEST_P(TimecodeRateText, isWrittenAsPeopleDo)
     EXPECT_EQ(Timecode::formatFrameRate(GetParam().rate, GetParam().drop), GetParam().text);
 }
 
-constexpr std::array kRateTexts {
-    RateText {0.0, false, "--"},
-    RateText {-25.0, false, "--"},
-    RateText {kNan, true, "--"},
-    RateText {kInfinity, false, "--"},
-    RateText {23.976, false, "23.976"},
-    RateText {23.976, true, "23.976"},
-    RateText {23.98, false, "23.976"},
-    RateText {23.9, false, "23.976"},
-    RateText {23.8999, false, "23.9"},
-    RateText {23.995, false, "23.976"},
-    RateText {24.0, false, "24"},
-    RateText {24.019, true, "24"},
-    RateText {24.03, false, "24.03"},
-    RateText {24.985, false, "25"},
-    RateText {25.0, true, "25"},
-    RateText {29.97, true, "29.97 DF"},
-    RateText {29.97, false, "29.97 NDF"},
-    RateText {29.9, false, "29.97 NDF"},
-    RateText {29.995, true, "29.97 DF"},
-    RateText {30.0, true, "30 DF"},
-    RateText {30.0, false, "30"},
-    RateText {30.015, true, "30 DF"},
-    RateText {47.952, false, "47.952"},
-    RateText {48.0, false, "48"},
-    RateText {50.0, false, "50"},
-    RateText {12.5, true, "12.5"},
-    RateText {59.94, true, "59.94"},
-    RateText {59.9, false, "59.94"},
-    RateText {59.99, false, "59.94"},
-    RateText {60.0, false, "60"},
-    RateText {60.01, true, "60"},
-    RateText {100.0, false, "100"},
-    RateText {119.88, false, "119.88"},
-    RateText {0.0001, false, "0"},
-    RateText {kTiny, false, "0"},
-    RateText {1e15, false, "1000000000000000"},
+constexpr std::array kRateTexts{
+    RateText{ 0.0, false, "--" },
+    RateText{ -25.0, false, "--" },
+    RateText{ kNan, true, "--" },
+    RateText{ kInfinity, false, "--" },
+    RateText{ 23.976, false, "23.976" },
+    RateText{ 23.976, true, "23.976" },
+    RateText{ 23.98, false, "23.976" },
+    RateText{ 23.9, false, "23.976" },
+    RateText{ 23.8999, false, "23.9" },
+    RateText{ 23.995, false, "23.976" },
+    RateText{ 24.0, false, "24" },
+    RateText{ 24.019, true, "24" },
+    RateText{ 24.03, false, "24.03" },
+    RateText{ 24.985, false, "25" },
+    RateText{ 25.0, true, "25" },
+    RateText{ 29.97, true, "29.97 DF" },
+    RateText{ 29.97, false, "29.97 NDF" },
+    RateText{ 29.9, false, "29.97 NDF" },
+    RateText{ 29.995, true, "29.97 DF" },
+    RateText{ 30.0, true, "30 DF" },
+    RateText{ 30.0, false, "30" },
+    RateText{ 30.015, true, "30 DF" },
+    RateText{ 47.952, false, "47.952" },
+    RateText{ 48.0, false, "48" },
+    RateText{ 50.0, false, "50" },
+    RateText{ 12.5, true, "12.5" },
+    RateText{ 59.94, true, "59.94" },
+    RateText{ 59.9, false, "59.94" },
+    RateText{ 59.99, false, "59.94" },
+    RateText{ 60.0, false, "60" },
+    RateText{ 60.01, true, "60" },
+    RateText{ 100.0, false, "100" },
+    RateText{ 119.88, false, "119.88" },
+    RateText{ 0.0001, false, "0" },
+    RateText{ kTiny, false, "0" },
+    RateText{ 1e15, false, "1000000000000000" },
 };
 INSTANTIATE_TEST_SUITE_P(Table, TimecodeRateText, testing::ValuesIn(kRateTexts));
 

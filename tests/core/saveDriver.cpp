@@ -20,12 +20,12 @@ constexpr int kBadArguments = 3;
 bool setField(BwfMetadata& record, const std::string& name, const std::string& value)
 {
     static const std::map<std::string, std::string BwfMetadata::*> kTexts = {
-        {"scene", &BwfMetadata::scene},
-        {"take", &BwfMetadata::take},
-        {"tape", &BwfMetadata::tape},
-        {"note", &BwfMetadata::note},
-        {"project", &BwfMetadata::project},
-        {"ubits", &BwfMetadata::ubits},
+        { "scene", &BwfMetadata::scene },
+        { "take", &BwfMetadata::take },
+        { "tape", &BwfMetadata::tape },
+        { "note", &BwfMetadata::note },
+        { "project", &BwfMetadata::project },
+        { "ubits", &BwfMetadata::ubits },
     };
     if (const auto text = kTexts.find(name); text != kTexts.end())
         record.*text->second = value;

@@ -120,7 +120,8 @@ TEST_F(AudioOutputMac, theInstalledCallbackFillsTheServicesOwnBuffers)
         AudioBuffer second;
     } buffers{ { 2, { { 1, 256, left.data() } } }, { 1, 256, right.data() } };
     AudioUnitRenderActionFlags flags = 0;
-    EXPECT_EQ(state.unitCallback.inputProc(state.unitCallback.inputProcRefCon, &flags, nullptr, 0, 64, &buffers.list), 0);
+    EXPECT_EQ(
+        state.unitCallback.inputProc(state.unitCallback.inputProcRefCon, &flags, nullptr, 0, 64, &buffers.list), 0);
     EXPECT_EQ(left, std::vector<float>(64, 0.0f));
     EXPECT_EQ(right, std::vector<float>(64, 0.0f));
 }
@@ -236,8 +237,8 @@ TEST_F(AudioOutputMac, closeStopsUninitialisesDisposes)
     state.calls.clear();
     player.close();
     EXPECT_EQ(state.calls,
-        (Lines{ "AudioOutputUnitStop", "AudioOutputUnitStop", "AudioUnitUninitialize",
-            "AudioComponentInstanceDispose" }));
+        (Lines{
+            "AudioOutputUnitStop", "AudioOutputUnitStop", "AudioUnitUninitialize", "AudioComponentInstanceDispose" }));
 }
 
 TEST_F(AudioOutputMac, stopStopsTheUnitBeforeItEmptiesTheRing)

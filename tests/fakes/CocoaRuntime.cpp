@@ -113,7 +113,8 @@ uintptr_t sendToClass(const void* receiver, const std::string& selector, uintptr
 
 bool takesFlag(const std::string& selector)
 {
-    return selector.starts_with("setCan") || selector == "setAllowsMultipleSelection:" || selector == "setResolvesAliases:";
+    return selector.starts_with("setCan") || selector == "setAllowsMultipleSelection:"
+        || selector == "setResolvesAliases:";
 }
 
 uintptr_t sendToObject(Object* receiver, const std::string& selector, uintptr_t first)

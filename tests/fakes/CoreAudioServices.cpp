@@ -6,7 +6,10 @@ namespace CoreAudioServices {
 
 State state;
 
-void begin() { state = State(); }
+void begin()
+{
+    state = State();
+}
 
 namespace {
 
@@ -48,8 +51,8 @@ using namespace CoreAudioServices;
 
 extern "C" {
 
-OSStatus AudioObjectGetPropertyData(AudioObjectID object, const AudioObjectPropertyAddress* address, UInt32,
-    const void*, UInt32* size, void* data)
+OSStatus AudioObjectGetPropertyData(
+    AudioObjectID object, const AudioObjectPropertyAddress* address, UInt32, const void*, UInt32* size, void* data)
 {
     state.objects.push_back(object);
     state.addresses.push_back(*address);
@@ -134,9 +137,21 @@ OSStatus AudioUnitSetProperty(AudioUnit unit, AudioUnitPropertyID property, Audi
     return onUnit("AudioUnitSetProperty " + std::to_string(property), unit);
 }
 
-OSStatus AudioUnitInitialize(AudioUnit unit) { return onUnit("AudioUnitInitialize", unit); }
-OSStatus AudioUnitUninitialize(AudioUnit unit) { return onUnit("AudioUnitUninitialize", unit); }
-OSStatus AudioOutputUnitStart(AudioUnit unit) { return onUnit("AudioOutputUnitStart", unit); }
-OSStatus AudioOutputUnitStop(AudioUnit unit) { return onUnit("AudioOutputUnitStop", unit); }
+OSStatus AudioUnitInitialize(AudioUnit unit)
+{
+    return onUnit("AudioUnitInitialize", unit);
+}
+OSStatus AudioUnitUninitialize(AudioUnit unit)
+{
+    return onUnit("AudioUnitUninitialize", unit);
+}
+OSStatus AudioOutputUnitStart(AudioUnit unit)
+{
+    return onUnit("AudioOutputUnitStart", unit);
+}
+OSStatus AudioOutputUnitStop(AudioUnit unit)
+{
+    return onUnit("AudioOutputUnitStop", unit);
+}
 
 } // extern "C"

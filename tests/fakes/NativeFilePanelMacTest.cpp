@@ -53,8 +53,9 @@ TEST(NativeFilePanelMac, handsTheStartFolderOnAsItStands)
 {
     pick({}, "/no/such/folder");
     Lines expected = setUpCalls();
-    expected.insert(expected.end(), { "+[NSURL fileURLWithPath:isDirectory:] /no/such/folder 1",
-        "-[NSOpenPanel setDirectoryURL:] /no/such/folder", "-[NSOpenPanel runModal]", "objc_autoreleasePoolPop" });
+    expected.insert(expected.end(),
+        { "+[NSURL fileURLWithPath:isDirectory:] /no/such/folder 1", "-[NSOpenPanel setDirectoryURL:] /no/such/folder",
+            "-[NSOpenPanel runModal]", "objc_autoreleasePoolPop" });
     EXPECT_EQ(CocoaRuntime::calls, expected);
 }
 
@@ -64,8 +65,8 @@ TEST(NativeFilePanelMac, setsNoFolderWhenNoUrlComesOfIt)
     script.makesUrls = false;
     pick(script, "/somewhere");
     Lines expected = setUpCalls();
-    expected.insert(expected.end(), { "+[NSURL fileURLWithPath:isDirectory:] /somewhere 1", "-[NSOpenPanel runModal]",
-        "objc_autoreleasePoolPop" });
+    expected.insert(expected.end(),
+        { "+[NSURL fileURLWithPath:isDirectory:] /somewhere 1", "-[NSOpenPanel runModal]", "objc_autoreleasePoolPop" });
     EXPECT_EQ(CocoaRuntime::calls, expected);
 }
 
@@ -90,9 +91,9 @@ TEST(NativeFilePanelMac, givesTheFileUrlsInThePanelsOrder)
         CocoaRuntime::make("NSURL", "/Ordner für Ton") };
     EXPECT_EQ(texts(pick(script)), (Lines{ "/b.wav", "/a.wav", "/Ordner für Ton" }));
     Lines expected = setUpCalls();
-    expected.insert(expected.end(), { "-[NSOpenPanel runModal]", "-[NSOpenPanel URLs]", "-[NSURL isFileURL]",
-        "-[NSURL path]", "-[NSURL isFileURL]", "-[NSURL isFileURL]", "-[NSURL path]", "-[NSURL isFileURL]",
-        "-[NSURL path]", "objc_autoreleasePoolPop" });
+    expected.insert(expected.end(),
+        { "-[NSOpenPanel runModal]", "-[NSOpenPanel URLs]", "-[NSURL isFileURL]", "-[NSURL path]", "-[NSURL isFileURL]",
+            "-[NSURL isFileURL]", "-[NSURL path]", "-[NSURL isFileURL]", "-[NSURL path]", "objc_autoreleasePoolPop" });
     EXPECT_EQ(CocoaRuntime::calls, expected);
 }
 
@@ -127,8 +128,9 @@ TEST(WindowSubtitleMac, goesToTheNativeWindowOfTheView)
     window.native = reinterpret_cast<WId>(view);
     CocoaRuntime::begin({});
     setMacWindowSubtitle(&window, "By Ünit");
-    EXPECT_EQ(CocoaRuntime::calls, (Lines{ "winId", "-[NSView window]", "+[NSString stringWithUTF8String:] By Ünit",
-        "-[NSWindow setSubtitle:] By Ünit" }));
+    EXPECT_EQ(CocoaRuntime::calls,
+        (Lines{ "winId", "-[NSView window]", "+[NSString stringWithUTF8String:] By Ünit",
+            "-[NSWindow setSubtitle:] By Ünit" }));
 }
 
 TEST(WindowSubtitleMac, doesNothingWithoutANativeId)

@@ -20,10 +20,15 @@ constexpr int32_t kMostFrames = 700;
 std::vector<std::string> makeSeeds()
 {
     std::vector<std::string> seeds;
-    for (const uint16_t bits : {uint16_t{16}, uint16_t{24}, uint16_t{32}}) {
+    for (const uint16_t bits : { uint16_t{ 16 }, uint16_t{ 24 }, uint16_t{ 32 } }) {
         seeds.push_back(WavBuilder().chunk("bext", "abc").fmt(48000, 2, bits).dataFrames(60).bytes());
         seeds.push_back(WavBuilder().fmt(48000, 5, bits, 3).dataFrames(20).claimSize("data", 0x7FFFFFF0).bytes());
-        seeds.push_back(WavBuilder::rf64().ds64(0xFFFFFFFFFFFFFFF0).fmt(96000, 64, bits).dataFrames(3).claimSize("data", 0xFFFFFFFF).bytes());
+        seeds.push_back(WavBuilder::rf64()
+                            .ds64(0xFFFFFFFFFFFFFFF0)
+                            .fmt(96000, 64, bits)
+                            .dataFrames(3)
+                            .claimSize("data", 0xFFFFFFFF)
+                            .bytes());
     }
     for (std::string& seed : seeds)
         seed += std::string("\x00\x11\x22\x33\x44\x55\x66\x77\x81\x92\xA3\xB4\xC5\xD6\xE7\xF8", kStepBytes);

@@ -20,10 +20,7 @@ namespace {
 /// Takes the wanted record off the front of the input; what is left is the file.
 class Input {
 public:
-    Input(const uint8_t* data, size_t size)
-        : bytes(reinterpret_cast<const char*>(data), size)
-    {
-    }
+    Input(const uint8_t* data, size_t size) : bytes(reinterpret_cast<const char*>(data), size) { }
 
     uint8_t byte()
     {
@@ -64,15 +61,15 @@ BwfMetadata wantedRecord(Input& input)
     wanted.wildTrack = (which & 2) != 0;
     if (which & 4)
         wanted.timeReference = input.number();
-    for (std::string BwfMetadata::* field : {&BwfMetadata::scene, &BwfMetadata::take, &BwfMetadata::tape,
-             &BwfMetadata::note, &BwfMetadata::project, &BwfMetadata::ubits}) {
+    for (std::string BwfMetadata::*field : { &BwfMetadata::scene, &BwfMetadata::take, &BwfMetadata::tape,
+             &BwfMetadata::note, &BwfMetadata::project, &BwfMetadata::ubits }) {
         if (which & 8)
             wanted.*field = input.text();
     }
     for (int i = which >> 5; i > 0; --i) {
         const auto channel = static_cast<int32_t>(static_cast<int8_t>(input.byte()));
         std::string name = input.text();
-        wanted.tracks.push_back({channel, std::move(name), input.text()});
+        wanted.tracks.push_back({ channel, std::move(name), input.text() });
     }
     return wanted;
 }
@@ -85,8 +82,8 @@ std::optional<ByteRange> findPayload(const std::string& file, const char* id)
         uint32_t size = 0;
         std::memcpy(&size, file.data() + at + 4, sizeof size);
         if (std::memcmp(file.data() + at, id, 4) == 0)
-            return ByteRange{at + 8, at + 8 + size};
-        at += 8 + uint64_t{static_cast<uint32_t>(size + size % 2)};
+            return ByteRange{ at + 8, at + 8 + size };
+        at += 8 + uint64_t{ static_cast<uint32_t>(size + size % 2) };
     }
     return std::nullopt;
 }
@@ -95,8 +92,8 @@ std::vector<ByteRange> writableRanges(const std::string& file)
 {
     std::vector<ByteRange> ranges;
     if (const auto bext = findPayload(file, "bext")) {
-        ranges.push_back({bext->begin, bext->begin + 256});
-        ranges.push_back({bext->begin + 338, bext->begin + 346});
+        ranges.push_back({ bext->begin, bext->begin + 256 });
+        ranges.push_back({ bext->begin + 338, bext->begin + 346 });
     }
     if (const auto ixml = findPayload(file, "iXML"))
         ranges.push_back(*ixml);

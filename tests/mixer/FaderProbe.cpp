@@ -11,11 +11,7 @@ namespace {
 
 class Probe : public FaderSlider {
 public:
-    Probe()
-        : FaderSlider(Qt::Vertical)
-    {
-        resize(40, 300);
-    }
+    Probe() : FaderSlider(Qt::Vertical) { resize(40, 300); }
     bool hasCap() const { return !handlePixmap.isNull() && !scaledHandle.isNull(); }
 };
 

@@ -17,8 +17,7 @@ namespace {
 
 class OpenFader : public FaderSlider {
 public:
-    explicit OpenFader(QWidget* parent = nullptr)
-        : FaderSlider(Qt::Vertical, parent)
+    explicit OpenFader(QWidget* parent = nullptr) : FaderSlider(Qt::Vertical, parent)
     {
         setRange(-600, 60);
         setStyleSheet(QStringLiteral("QSlider { background: #1e1e1e; }"
@@ -55,7 +54,7 @@ std::pair<int, int> capRows(OpenFader& fader, int x)
         first = first < 0 ? y : first;
         last = y;
     }
-    return {first, last};
+    return { first, last };
 }
 
 int capMiddle(OpenFader& fader)
@@ -90,7 +89,7 @@ protected:
         EXPECT_TRUE(process.waitForFinished());
         EXPECT_EQ(process.readAllStandardError(), QByteArray()) << "nothing is ever printed";
         const QList<QByteArray> lines = process.readAllStandardOutput().split('\n');
-        return {lines.value(0).toStdString(), lines.value(1).toStdString()};
+        return { lines.value(0).toStdString(), lines.value(1).toStdString() };
     }
 
     std::string inProgramFolder(const std::string& place) const
@@ -114,10 +113,7 @@ TEST(FaderSlider, startsWithTheLargeDrawSize)
 {
     class Plain : public FaderSlider {
     public:
-        Plain()
-            : FaderSlider(Qt::Vertical)
-        {
-        }
+        Plain() : FaderSlider(Qt::Vertical) { }
         using FaderSlider::handleHeight;
         using FaderSlider::handleWidth;
         using FaderSlider::scaledHandle;
@@ -217,7 +213,8 @@ TEST(FaderSlider, draggingTheCapMovesTheValue)
     fader.setValue(-270);
     QTest::mousePress(&fader, Qt::LeftButton, {}, QPoint(20, 150));
     EXPECT_TRUE(fader.isSliderDown());
-    QMouseEvent move(QEvent::MouseMove, QPointF(20, 50), fader.mapToGlobal(QPointF(20, 50)), Qt::NoButton, Qt::LeftButton, {});
+    QMouseEvent move(
+        QEvent::MouseMove, QPointF(20, 50), fader.mapToGlobal(QPointF(20, 50)), Qt::NoButton, Qt::LeftButton, {});
     QCoreApplication::sendEvent(&fader, &move);
     EXPECT_GT(fader.value(), -100);
     QTest::mouseRelease(&fader, Qt::LeftButton, {}, QPoint(20, 50));

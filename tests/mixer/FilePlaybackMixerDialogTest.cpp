@@ -36,13 +36,16 @@ namespace {
 
 // 8 seconds in four quarters, each half as loud as the one before.
 constexpr size_t kQuarterFrames = 96000;
-constexpr std::array kQuarterLevels {0.5f, 0.25f, 0.125f, 0.0625f};
+constexpr std::array kQuarterLevels{ 0.5f, 0.25f, 0.125f, 0.0625f };
 
 // Bounds of the waits for the engine's threads, in tries of at least a millisecond. They only decide when a test fails.
 constexpr int kTries = 20000;
 constexpr uint32_t kPullFrames = 64;
 
-std::string sample16(float level) { return le16(static_cast<uint16_t>(static_cast<int16_t>(level * 32768.0f))); }
+std::string sample16(float level)
+{
+    return le16(static_cast<uint16_t>(static_cast<int16_t>(level * 32768.0f)));
+}
 
 std::string quarters()
 {
@@ -67,7 +70,10 @@ std::string steady(const std::vector<float>& levels, size_t frames)
     return bytes;
 }
 
-void shortSleep() { std::this_thread::sleep_for(std::chrono::milliseconds(1)); }
+void shortSleep()
+{
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
 
 class MixerDialog : public testing::Test {
 protected:
@@ -92,7 +98,7 @@ protected:
 
     void openQuarters(const BwfMetadata& metadata = {})
     {
-        open(write("take.wav", WavBuilder().fmt(48000, 1, 16).data(quarters())), {QStringLiteral("Boom")}, metadata);
+        open(write("take.wav", WavBuilder().fmt(48000, 1, 16).data(quarters())), { QStringLiteral("Boom") }, metadata);
     }
 
     void openSteady(const std::vector<float>& levels, size_t frames, const QList<QString>& names = {})
@@ -102,7 +108,8 @@ protected:
     }
 
     /// Opens and answers the warning box with `answer`, which sees it.
-    void openUnplayable(const std::string& path, const QList<QString>& names,
+    void openUnplayable(
+        const std::string& path, const QList<QString>& names,
         const std::function<void(QMessageBox&)>& answer = [](QMessageBox&) {})
     {
         int boxes = 0;
@@ -117,8 +124,7 @@ protected:
         EXPECT_EQ(boxes, 1);
     }
 
-    template <typename Widget = QWidget>
-    Widget* find(const QString& name) const
+    template <typename Widget = QWidget> Widget* find(const QString& name) const
     {
         auto* found = dialog->findChild<Widget*>(name);
         if (!found)
@@ -196,7 +202,7 @@ BwfMetadata atOneOClock()
     BwfMetadata metadata;
     metadata.frameRate = 25.0;
     metadata.sampleRate = 48000;
-    metadata.timeReference = uint64_t {3600} * 48000;
+    metadata.timeReference = uint64_t{ 3600 } * 48000;
     return metadata;
 }
 
@@ -223,7 +229,10 @@ TEST(MixerTime, whatIsNoTimeIsZero)
     EXPECT_EQ(FilePlaybackMixerDialog::formatTime(INFINITY), "00:00");
 }
 
-TEST(MixerTime, theLongestTimeHasAText) { EXPECT_EQ(FilePlaybackMixerDialog::formatTime(1e300), "16666666666666:40"); }
+TEST(MixerTime, theLongestTimeHasAText)
+{
+    EXPECT_EQ(FilePlaybackMixerDialog::formatTime(1e300), "16666666666666:40");
+}
 
 TEST(MixerFaderLaw, isTenthsOfADecibel)
 {
@@ -361,7 +370,8 @@ TEST_F(MixerDialog, tellsFloatAndLeavesOutAnUnknownRate)
 
 TEST_F(MixerDialog, aFileNameThatLooksLikeMarkupIsShownAsItIs)
 {
-    open(write("<b>bold<i>.wav", WavBuilder().fmt(48000, 1, 16).data(steady({0.1f}, 100))), {QStringLiteral("<h1>Boom")});
+    open(write("<b>bold<i>.wav", WavBuilder().fmt(48000, 1, 16).data(steady({ 0.1f }, 100))),
+        { QStringLiteral("<h1>Boom") });
     EXPECT_EQ(text("titleLabel"), "<b>bold<i>.wav");
     EXPECT_EQ(find<QLabel>("titleLabel")->textFormat(), Qt::PlainText);
     EXPECT_EQ(text("nameLabel0"), "<h1>Boom");
@@ -413,7 +423,8 @@ TEST_F(MixerDialog, dropFrameShowsInReadOutAndBadge)
 
 TEST_F(MixerDialog, channelsBeyondTheNamesAreNumbered)
 {
-    openSteady({0.1f, 0.1f, 0.1f, 0.1f, 0.1f}, 100, {QStringLiteral(" Boom "), QStringLiteral("Lav"), QStringLiteral("  \t"), QString()});
+    openSteady({ 0.1f, 0.1f, 0.1f, 0.1f, 0.1f }, 100,
+        { QStringLiteral(" Boom "), QStringLiteral("Lav"), QStringLiteral("  \t"), QString() });
     EXPECT_EQ(text("nameLabel0"), "Boom");
     EXPECT_EQ(text("nameLabel1"), "Lav");
     EXPECT_EQ(text("nameLabel2"), "Track 3") << "blanks are no name";
@@ -424,14 +435,14 @@ TEST_F(MixerDialog, channelsBeyondTheNamesAreNumbered)
 
 TEST_F(MixerDialog, namesBeyondTheChannelsAreNotShown)
 {
-    openSteady({0.1f}, 100, {QStringLiteral("Boom"), QStringLiteral("Lav")});
+    openSteady({ 0.1f }, 100, { QStringLiteral("Boom"), QStringLiteral("Lav") });
     EXPECT_EQ(dialog->findChild<QWidget*>("strip1"), nullptr);
     EXPECT_EQ(text("nameLabel0"), "Boom");
 }
 
 TEST_F(MixerDialog, withoutNamesTracksAreNumbered)
 {
-    openSteady({0.1f, 0.1f}, 100);
+    openSteady({ 0.1f, 0.1f }, 100);
     EXPECT_EQ(text("nameLabel0"), "Track 1");
     EXPECT_EQ(text("nameLabel1"), "Track 2");
 }
@@ -599,7 +610,7 @@ TEST_F(MixerDialog, theTimerTicksEveryFiftyMilliseconds)
 
 TEST_F(MixerDialog, theTimerItselfTurnsTheButtonBackAtTheEnd)
 {
-    openSteady({0.5f}, 4800);
+    openSteady({ 0.5f }, 4800);
     click("playPauseButton");
     for (int attempt = 0; attempt < kTries && playText() != QLatin1String(" Play"); ++attempt) {
         (void)DrivenOutput::pullStereo(512);
@@ -610,7 +621,7 @@ TEST_F(MixerDialog, theTimerItselfTurnsTheButtonBackAtTheEnd)
 
 TEST_F(MixerDialog, muteAndSoloAreHeard)
 {
-    openSteady({0.25f, 0.125f}, 48000 * 20);
+    openSteady({ 0.25f, 0.125f }, 48000 * 20);
     const float norm = 1.0f / std::sqrt(2.0f);
     click("playPauseButton");
     EXPECT_TRUE(hear(0.375f * norm));
@@ -628,7 +639,7 @@ TEST_F(MixerDialog, muteAndSoloAreHeard)
 
 TEST_F(MixerDialog, theFaderIsHeardAndReadsInDecibel)
 {
-    openSteady({0.25f, 0.125f}, 48000 * 20);
+    openSteady({ 0.25f, 0.125f }, 48000 * 20);
     const float norm = 1.0f / std::sqrt(2.0f);
     click("playPauseButton");
     find<QSlider>("fader0")->setValue(-200);
@@ -668,7 +679,7 @@ TEST_F(MixerDialog, aRightClickOnAFaderDoesNothing)
 
 TEST_F(MixerDialog, metersShowEachTracksOwnPeak)
 {
-    openSteady({0.5f, 0.25f}, 48000 * 20);
+    openSteady({ 0.5f, 0.25f }, 48000 * 20);
     click("playPauseButton");
     ASSERT_TRUE(hear(0.75f / std::sqrt(2.0f)));
     tick();
@@ -678,7 +689,7 @@ TEST_F(MixerDialog, metersShowEachTracksOwnPeak)
 
 TEST_F(MixerDialog, metersFollowTheFaderAndClip)
 {
-    openSteady({0.5f}, 48000 * 20);
+    openSteady({ 0.5f }, 48000 * 20);
     click("playPauseButton");
     ASSERT_TRUE(hear(0.5f));
     tick();
@@ -693,7 +704,7 @@ TEST_F(MixerDialog, metersFollowTheFaderAndClip)
 
 TEST_F(MixerDialog, metersStandWhilePausedAndFallAfterStop)
 {
-    openSteady({0.5f}, 48000 * 20);
+    openSteady({ 0.5f }, 48000 * 20);
     click("playPauseButton");
     ASSERT_TRUE(hear(0.5f));
     click("playPauseButton");
@@ -710,7 +721,7 @@ TEST_F(MixerDialog, metersStandWhilePausedAndFallAfterStop)
 
 TEST_F(MixerDialog, aMutedTracksMeterFalls)
 {
-    openSteady({0.5f, 0.25f}, 48000 * 20);
+    openSteady({ 0.5f, 0.25f }, 48000 * 20);
     click("playPauseButton");
     ASSERT_TRUE(hear(0.75f / std::sqrt(2.0f)));
     tick();
@@ -796,7 +807,7 @@ TEST_F(MixerDialog, aDeviceThatDoesNotStartLeavesTheButtonAtPause)
 TEST_F(MixerDialog, anUnplayableFileGivesTheBoxAndSilentStrips)
 {
     writeBytes(folder.file("text.wav"), "no sound at all");
-    openUnplayable(folder.file("text.wav"), {QStringLiteral("Boom"), QStringLiteral(" ")}, [](QMessageBox& box) {
+    openUnplayable(folder.file("text.wav"), { QStringLiteral("Boom"), QStringLiteral(" ") }, [](QMessageBox& box) {
         EXPECT_EQ(box.windowTitle(), "Playback");
         EXPECT_EQ(box.text(), "Could not open this WAV for playback.");
         EXPECT_EQ(box.icon(), QMessageBox::Warning);
@@ -832,7 +843,7 @@ TEST_F(MixerDialog, aClaimOf65535TracksThatDoNotPlayEndsAt512Strips)
 TEST_F(MixerDialog, withoutDeviceTheWaveformStillShows)
 {
     DrivenOutput::setDevice(0);
-    openUnplayable(write("take.wav", WavBuilder().fmt(48000, 1, 16).data(quarters())), {QStringLiteral("Boom")});
+    openUnplayable(write("take.wav", WavBuilder().fmt(48000, 1, 16).data(quarters())), { QStringLiteral("Boom") });
     EXPECT_EQ(text("infoLabel"), "Could not open this file for playback.");
     auto* waveform = find("waveform");
     const QImage picture = waveform->grab().toImage();

@@ -43,10 +43,10 @@ TEST(MeterLevel, snapsOntoTheReadingWithinHalf)
 
 TEST(MeterPeakLine, takesAHigherOrEqualReadingAndHoldsThirtyCalls)
 {
-    const PeakLine raised = nextPeakLine({500, 3}, 600);
+    const PeakLine raised = nextPeakLine({ 500, 3 }, 600);
     EXPECT_EQ(raised.position, 600);
     EXPECT_EQ(raised.callsLeft, 30);
-    EXPECT_EQ(nextPeakLine({500, 3}, 500).callsLeft, 30);
+    EXPECT_EQ(nextPeakLine({ 500, 3 }, 500).callsLeft, 30);
 }
 
 TEST(MeterPeakLine, standsStillForThirtyCallsThenFallsTwelveUntilItMeetsTheLevel)
@@ -56,7 +56,7 @@ TEST(MeterPeakLine, standsStillForThirtyCallsThenFallsTwelveUntilItMeetsTheLevel
         line = nextPeakLine(line, 950);
         EXPECT_EQ(line.position, 1000) << call;
     }
-    constexpr std::array kFall {988, 976, 964, 952, 950};
+    constexpr std::array kFall{ 988, 976, 964, 952, 950 };
     for (const int expected : kFall) {
         line = nextPeakLine(line, 950);
         EXPECT_EQ(line.position, expected);
@@ -65,7 +65,10 @@ TEST(MeterPeakLine, standsStillForThirtyCallsThenFallsTwelveUntilItMeetsTheLevel
     EXPECT_EQ(line.callsLeft, 30) << "meeting the level is a new peak";
 }
 
-TEST(MeterPeakLine, neverFallsBelowTheReading) { EXPECT_EQ(nextPeakLine({5, 0}, 0).position, 0); }
+TEST(MeterPeakLine, neverFallsBelowTheReading)
+{
+    EXPECT_EQ(nextPeakLine({ 5, 0 }, 0).position, 0);
+}
 
 TEST(MeterClip, latchesFrom867)
 {
@@ -98,7 +101,7 @@ TEST(MeterClip, aFurtherClipStartsTheTimeAnew)
 
 TEST(MeterGeometry, theBarLiesWithinTheBorder)
 {
-    const MeterGeometry geometry {102, 12};
+    const MeterGeometry geometry{ 102, 12 };
     EXPECT_EQ(geometry.bar(1000.0f), QRect(1, 1, 100, 10));
     EXPECT_EQ(geometry.bar(500.0f), QRect(1, 1, 50, 10));
     EXPECT_EQ(geometry.bar(509.9f), QRect(1, 1, 50, 10));
@@ -106,20 +109,20 @@ TEST(MeterGeometry, theBarLiesWithinTheBorder)
 
 TEST(MeterGeometry, aBarBelowAPixelIsNone)
 {
-    const MeterGeometry geometry {102, 12};
+    const MeterGeometry geometry{ 102, 12 };
     EXPECT_TRUE(geometry.bar(9.9f).isEmpty());
     EXPECT_EQ(geometry.bar(10.0f), QRect(1, 1, 1, 10));
 }
 
 TEST(MeterGeometry, aWidgetWithoutInsideHasNoBar)
 {
-    EXPECT_TRUE((MeterGeometry {2, 2}).bar(1000.0f).isEmpty());
-    EXPECT_TRUE((MeterGeometry {0, 0}).bar(1000.0f).isEmpty());
+    EXPECT_TRUE((MeterGeometry{ 2, 2 }).bar(1000.0f).isEmpty());
+    EXPECT_TRUE((MeterGeometry{ 0, 0 }).bar(1000.0f).isEmpty());
 }
 
 TEST(MeterGeometry, thePeakLineStartsAtTheThirdColumn)
 {
-    const MeterGeometry geometry {102, 12};
+    const MeterGeometry geometry{ 102, 12 };
     EXPECT_EQ(geometry.peakLineX(0), -1);
     EXPECT_EQ(geometry.peakLineX(29), -1);
     EXPECT_EQ(geometry.peakLineX(30), 4);
@@ -129,7 +132,7 @@ TEST(MeterGeometry, thePeakLineStartsAtTheThirdColumn)
 
 TEST(MeterGeometry, theClipBlockIsFourColumnsAtTheRight)
 {
-    const QRect block = MeterGeometry {102, 12}.clipBlock();
+    const QRect block = MeterGeometry{ 102, 12 }.clipBlock();
     EXPECT_EQ(block.left(), 97);
     EXPECT_EQ(block.right(), 100);
     EXPECT_EQ(block.top(), 1);

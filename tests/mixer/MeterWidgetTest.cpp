@@ -40,7 +40,10 @@ protected:
     void mousePressEvent(QMouseEvent*) override { ++presses; }
 };
 
-QImage pictureOf(QWidget& widget) { return widget.grab().toImage(); }
+QImage pictureOf(QWidget& widget)
+{
+    return widget.grab().toImage();
+}
 
 OpenMeter& sized(OpenMeter& meter)
 {
@@ -260,9 +263,12 @@ TEST(MeterPicture, theBarGoesFromGreenToRed)
     // Row 5 lies at 4.5 of 10 in the gloss, where it is all but clear.
     const QImage picture = pictureOf(meter);
     EXPECT_TRUE(near(picture.pixelColor(2, 5), QColor(0, 190, 77), 8)) << picture.pixelColor(2, 5).name().toStdString();
-    EXPECT_TRUE(near(picture.pixelColor(41, 5), QColor(82, 218, 0), 8)) << picture.pixelColor(41, 5).name().toStdString();
-    EXPECT_TRUE(near(picture.pixelColor(56, 5), QColor(230, 208, 0), 8)) << picture.pixelColor(56, 5).name().toStdString();
-    EXPECT_TRUE(near(picture.pixelColor(90, 5), QColor(255, 42, 20), 12)) << picture.pixelColor(90, 5).name().toStdString();
+    EXPECT_TRUE(near(picture.pixelColor(41, 5), QColor(82, 218, 0), 8))
+        << picture.pixelColor(41, 5).name().toStdString();
+    EXPECT_TRUE(near(picture.pixelColor(56, 5), QColor(230, 208, 0), 8))
+        << picture.pixelColor(56, 5).name().toStdString();
+    EXPECT_TRUE(near(picture.pixelColor(90, 5), QColor(255, 42, 20), 12))
+        << picture.pixelColor(90, 5).name().toStdString();
 }
 
 TEST(MeterPicture, theGlossIsBrightAboveAndDarkBelow)
@@ -282,7 +288,8 @@ TEST(MeterPicture, thePeakLineStaysWhereTheLevelWas)
         meter.setValue(0);
     const QImage picture = pictureOf(meter);
     // Two pixels wide, yellow, around column 51.
-    EXPECT_TRUE(near(picture.pixelColor(50, 6), QColor(223, 211, 56), 12)) << picture.pixelColor(50, 6).name().toStdString();
+    EXPECT_TRUE(near(picture.pixelColor(50, 6), QColor(223, 211, 56), 12))
+        << picture.pixelColor(50, 6).name().toStdString();
     EXPECT_EQ(picture.pixelColor(48, 6), kGround);
     EXPECT_EQ(picture.pixelColor(54, 6), kGround);
 }
@@ -321,7 +328,7 @@ TEST(MeterPicture, anyTinySizeCanBePainted)
     OpenMeter meter;
     meter.setMinimumSize(0, 0);
     meter.setValue(1000);
-    for (const QSize size : {QSize(1, 1), QSize(2, 2), QSize(3, 1), QSize(5, 12)}) {
+    for (const QSize size : { QSize(1, 1), QSize(2, 2), QSize(3, 1), QSize(5, 12) }) {
         meter.resize(size);
         EXPECT_EQ(pictureOf(meter).size(), size);
     }

@@ -20,7 +20,10 @@ std::vector<float> ramp(size_t count)
 
 } // namespace
 
-TEST(WaveformPeaks, noSamplesGiveNoBars) { EXPECT_TRUE(waveformPeaks({}).empty()); }
+TEST(WaveformPeaks, noSamplesGiveNoBars)
+{
+    EXPECT_TRUE(waveformPeaks({}).empty());
+}
 
 TEST(WaveformPeaks, upToAThousandSamplesHaveABarEach)
 {
@@ -56,22 +59,22 @@ TEST(WaveformPeaks, eachBarTakesItsOwnSamples)
 
 TEST(WaveformPeaks, theLoudestMomentFillsTheHeight)
 {
-    const auto peaks = waveformPeaks({0.1f, -0.2f});
+    const auto peaks = waveformPeaks({ 0.1f, -0.2f });
     EXPECT_FLOAT_EQ(peaks[0].second, 0.5f);
     EXPECT_FLOAT_EQ(peaks[1].first, -1.0f);
 }
 
 TEST(WaveformPeaks, tooLoudFloatsAreScaledDown)
 {
-    const auto peaks = waveformPeaks({4.0f, -2.0f});
+    const auto peaks = waveformPeaks({ 4.0f, -2.0f });
     EXPECT_FLOAT_EQ(peaks[0].second, 1.0f);
     EXPECT_FLOAT_EQ(peaks[1].first, -0.5f);
 }
 
 TEST(WaveformPeaks, quietFilesStayAsTheyAre)
 {
-    EXPECT_FLOAT_EQ(waveformPeaks({0.001f})[0].second, 0.001f);
-    EXPECT_FLOAT_EQ(waveformPeaks({0.0011f})[0].second, 1.0f);
+    EXPECT_FLOAT_EQ(waveformPeaks({ 0.001f })[0].second, 0.001f);
+    EXPECT_FLOAT_EQ(waveformPeaks({ 0.0011f })[0].second, 1.0f);
 }
 
 TEST(WaveformPeaks, silenceStaysZero)
@@ -83,7 +86,7 @@ TEST(WaveformPeaks, silenceStaysZero)
 TEST(WaveformPeaks, whatIsNotANumberIsPassedOver)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN();
-    const auto peaks = waveformPeaks({nan, 0.5f});
+    const auto peaks = waveformPeaks({ nan, 0.5f });
     EXPECT_EQ(peaks[0], WaveformPeak(0.0f, 0.0f));
     EXPECT_EQ(peaks[1], WaveformPeak(0.0f, 1.0f));
 }
@@ -92,7 +95,7 @@ TEST(WaveformPeaks, agreeWithThePlainRuleForAnyLength)
 {
     std::mt19937 random(4);
     std::uniform_real_distribution<float> level(-1.0f, 1.0f);
-    for (const size_t count : {1u, 2u, 999u, 1000u, 1001u, 1999u, 2000u, 48001u}) {
+    for (const size_t count : { 1u, 2u, 999u, 1000u, 1001u, 1999u, 2000u, 48001u }) {
         std::vector<float> samples(count);
         for (float& sample : samples)
             sample = level(random);
@@ -116,11 +119,11 @@ TEST(WaveformPeaks, comeOutTheSameInBlocksOfAnySize)
 {
     std::mt19937 random(5);
     std::uniform_real_distribution<float> level(-1.0f, 1.0f);
-    for (const size_t count : {1u, 999u, 1000u, 1999u, 4321u, 50000u}) {
+    for (const size_t count : { 1u, 999u, 1000u, 1999u, 4321u, 50000u }) {
         std::vector<float> samples(count);
         for (float& sample : samples)
             sample = level(random);
-        for (const size_t block : {1u, 7u, 8192u}) {
+        for (const size_t block : { 1u, 7u, 8192u }) {
             WaveformPeakBuilder builder(count);
             for (size_t start = 0; start < count; start += block)
                 builder.add(samples.data() + start, std::min(block, count - start));
@@ -144,35 +147,35 @@ TEST(WaveformPeaks, areIncompleteWithFewerOrMoreSamplesThanPlanned)
 
 TEST(WaveformGeometry, barsLieAtTheirPitch)
 {
-    const WaveformGeometry geometry {1000, 100, 500};
+    const WaveformGeometry geometry{ 1000, 100, 500 };
     EXPECT_FLOAT_EQ(geometry.pitch(), 2.0f);
-    const QRectF bar = geometry.barRect(3, {-1.0f, 1.0f});
+    const QRectF bar = geometry.barRect(3, { -1.0f, 1.0f });
     EXPECT_EQ(bar, QRectF(6.0, 5.0, 1.5, 90.0));
 }
 
 TEST(WaveformGeometry, barsAreNeverNarrowerThanAPixel)
 {
-    const WaveformGeometry geometry {500, 100, 1000};
-    EXPECT_EQ(geometry.barRect(1, {0.0f, 1.0f}), QRectF(0.5, 5.0, 1.0, 45.0));
+    const WaveformGeometry geometry{ 500, 100, 1000 };
+    EXPECT_EQ(geometry.barRect(1, { 0.0f, 1.0f }), QRectF(0.5, 5.0, 1.0, 45.0));
 }
 
 TEST(WaveformGeometry, aFlatBarIsTwoPixelsHigh)
 {
-    const WaveformGeometry geometry {500, 101, 1};
-    EXPECT_EQ(geometry.barRect(0, {0.0f, 0.0f}), QRectF(0.0, 49.0, 499.5, 2.0));
-    EXPECT_EQ(geometry.barRect(0, {-0.01f, 0.01f}), QRectF(0.0, 49.0, 499.5, 2.0));
+    const WaveformGeometry geometry{ 500, 101, 1 };
+    EXPECT_EQ(geometry.barRect(0, { 0.0f, 0.0f }), QRectF(0.0, 49.0, 499.5, 2.0));
+    EXPECT_EQ(geometry.barRect(0, { -0.01f, 0.01f }), QRectF(0.0, 49.0, 499.5, 2.0));
 }
 
 TEST(WaveformGeometry, heightsAreCutTowardsZero)
 {
-    const WaveformGeometry geometry {10, 100, 10};
-    EXPECT_EQ(geometry.barRect(0, {-0.5f, 0.5f}), QRectF(0.0, 28.0, 1.0, 44.0)); // 22.5 pixels either way.
+    const WaveformGeometry geometry{ 10, 100, 10 };
+    EXPECT_EQ(geometry.barRect(0, { -0.5f, 0.5f }), QRectF(0.0, 28.0, 1.0, 44.0)); // 22.5 pixels either way.
 }
 
 TEST(WaveformGeometry, aSingleSidedBarStandsOnTheZeroLine)
 {
-    const WaveformGeometry geometry {10, 100, 10};
-    const QRectF bar = geometry.barRect(0, {0.0f, 1.0f});
+    const WaveformGeometry geometry{ 10, 100, 10 };
+    const QRectF bar = geometry.barRect(0, { 0.0f, 1.0f });
     EXPECT_EQ(bar.bottom(), 50.0);
     EXPECT_EQ(bar.top(), 5.0);
 }
@@ -180,12 +183,12 @@ TEST(WaveformGeometry, aSingleSidedBarStandsOnTheZeroLine)
 TEST(WaveformGeometry, barsThatAreNotNumbersAreFlat)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN();
-    EXPECT_EQ((WaveformGeometry {10, 100, 10}).barRect(0, {nan, nan}).height(), 2.0);
+    EXPECT_EQ((WaveformGeometry{ 10, 100, 10 }).barRect(0, { nan, nan }).height(), 2.0);
 }
 
 TEST(WaveformGeometry, thePlayheadIsCutToAColumn)
 {
-    const WaveformGeometry geometry {300, 100, 1};
+    const WaveformGeometry geometry{ 300, 100, 1 };
     EXPECT_EQ(geometry.playheadX(0.5), 150);
     EXPECT_EQ(geometry.playheadX(0.999), 299);
     EXPECT_EQ(geometry.playheadX(1.0), 300);
@@ -193,7 +196,7 @@ TEST(WaveformGeometry, thePlayheadIsCutToAColumn)
 
 TEST(WaveformGeometry, aPressCountsFromItsNearestColumn)
 {
-    const WaveformGeometry geometry {200, 100, 1};
+    const WaveformGeometry geometry{ 200, 100, 1 };
     EXPECT_DOUBLE_EQ(geometry.ratioAt(50.0), 0.25);
     EXPECT_DOUBLE_EQ(geometry.ratioAt(49.5), 0.25);
     EXPECT_DOUBLE_EQ(geometry.ratioAt(49.49), 0.245);
@@ -201,8 +204,8 @@ TEST(WaveformGeometry, aPressCountsFromItsNearestColumn)
 
 TEST(WaveformGeometry, pressesOutsideAreClamped)
 {
-    const WaveformGeometry geometry {200, 100, 1};
+    const WaveformGeometry geometry{ 200, 100, 1 };
     EXPECT_EQ(geometry.ratioAt(-3.0), 0.0);
     EXPECT_EQ(geometry.ratioAt(500.0), 1.0);
-    EXPECT_EQ((WaveformGeometry {0, 100, 1}).ratioAt(1.0), 0.0);
+    EXPECT_EQ((WaveformGeometry{ 0, 100, 1 }).ratioAt(1.0), 0.0);
 }

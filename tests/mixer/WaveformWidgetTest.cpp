@@ -126,7 +126,8 @@ TEST_F(WaveformFile, silenceStaysUnscaled)
 
 TEST_F(WaveformFile, aFileShorterThanItsHeaderClaimsShowsWhatIsThere)
 {
-    const std::string path = write(WavBuilder().fmt(48000, 1, 16).data(samples16(std::vector<int>(700, 100))).claimSize("data", 0xFFFFFFF0));
+    const std::string path = write(
+        WavBuilder().fmt(48000, 1, 16).data(samples16(std::vector<int>(700, 100))).claimSize("data", 0xFFFFFFF0));
     ASSERT_TRUE(waveform.loadFile(path));
     EXPECT_EQ(waveform.peaks.size(), 700u);
     EXPECT_EQ(waveform.totalFrames, 0x7FFFFFF8);
@@ -134,7 +135,11 @@ TEST_F(WaveformFile, aFileShorterThanItsHeaderClaimsShowsWhatIsThere)
 
 TEST_F(WaveformFile, anRf64FileOfClaimedExabytesTakesNoMoreMemoryThanItHolds)
 {
-    const std::string path = write(WavBuilder::rf64().ds64(UINT64_MAX).fmt(1, 1, 16).data(samples16(std::vector<int>(700, 100))).claimSize("data", 0xFFFFFFFF));
+    const std::string path = write(WavBuilder::rf64()
+                                       .ds64(UINT64_MAX)
+                                       .fmt(1, 1, 16)
+                                       .data(samples16(std::vector<int>(700, 100)))
+                                       .claimSize("data", 0xFFFFFFFF));
     ASSERT_TRUE(waveform.loadFile(path));
     EXPECT_EQ(waveform.peaks.size(), 700u);
 }
@@ -161,7 +166,7 @@ TEST_F(WaveformFile, aFileThatIsNoWavIsRefusedAndTheOldOneIsGone)
 TEST_F(WaveformFile, aPathWithOtherLettersLoads)
 {
     const std::string path = folder.file("Szene \xC3\xBC.wav");
-    WavBuilder().fmt(48000, 1, 16).data(samples16({1, 2, 3})).write(path);
+    WavBuilder().fmt(48000, 1, 16).data(samples16({ 1, 2, 3 })).write(path);
     EXPECT_TRUE(waveform.loadFile(path));
 }
 
@@ -304,7 +309,7 @@ TEST_F(WaveformFile, aSingleSidedSignalStandsOnTheZeroLine)
 
 TEST_F(WaveformFile, barsAreColouredByTheirHeightInTheWidget)
 {
-    std::vector<int> values {32767, -32768};
+    std::vector<int> values{ 32767, -32768 };
     showMono(values);
     const QImage drawn = picture();
     const QColor top = drawn.pixelColor(20, 8);
@@ -349,7 +354,7 @@ TEST_F(WaveformFile, aFrameRunsAround)
 
 TEST_F(WaveformFile, aResizePaintsTheSameBarsAtTheNewPitch)
 {
-    const std::string path = writeMono({32767, 0});
+    const std::string path = writeMono({ 32767, 0 });
     ASSERT_TRUE(waveform.loadFile(path));
     waveform.resize(200, 100);
     EXPECT_NE(picture().pixelColor(80, 20), kGround);

@@ -79,7 +79,10 @@ bool liesWithin(const ByteRange& inner, const ByteRange& outer)
     return inner.begin >= outer.begin && inner.end <= outer.end;
 }
 
-bool overlap(const ByteRange& a, const ByteRange& b) { return a.begin < b.end && b.begin < a.end; }
+bool overlap(const ByteRange& a, const ByteRange& b)
+{
+    return a.begin < b.end && b.begin < a.end;
+}
 
 /// Neighbouring ranges made one, so that a run across their border lies within.
 std::vector<ByteRange> joined(std::vector<ByteRange> ranges)
@@ -119,7 +122,7 @@ std::vector<ByteRange> changedRanges(std::string_view before, std::string_view a
         const size_t begin = at;
         while (at < longer && (at >= shared || before[at] != after[at]))
             ++at;
-        ranges.push_back({begin, at});
+        ranges.push_back({ begin, at });
     }
     return ranges;
 }
@@ -128,7 +131,7 @@ std::vector<ChunkPlace> chunkList(std::string_view file)
 {
     std::vector<ChunkPlace> chunks;
     for (uint64_t at = kFirstChunk; at + kHeaderBytes <= file.size();) {
-        chunks.push_back({std::string(file.substr(at, 4)), at, static_cast<uint32_t>(numberAt(file, at + 4, 4))});
+        chunks.push_back({ std::string(file.substr(at, 4)), at, static_cast<uint32_t>(numberAt(file, at + 4, 4)) });
         const uint64_t size = payloadSize(file, at);
         const uint64_t step = kHeaderBytes + size + size % 2;
         if (step < size || step > file.size() - at)
@@ -148,10 +151,7 @@ std::string dataPayload(std::string_view file)
 }
 
 FileProof::FileProof(const std::string& path)
-    : file(path)
-    , bytes(readBytes(path))
-    , modified(setBackModificationTime(path))
-    , neighbours(namesBeside(path))
+    : file(path), bytes(readBytes(path)), modified(setBackModificationTime(path)), neighbours(namesBeside(path))
 {
 }
 
@@ -209,7 +209,7 @@ std::string FileProof::changedWithin(const std::vector<ByteRange>& ranges) const
     const std::vector<ByteRange> changed = changedRanges(bytes, readBytes(file));
     for (const ByteRange& range : ranges) {
         if (std::none_of(changed.begin(), changed.end(), [&](const ByteRange& each) { return overlap(each, range); }))
-            wrong += "nothing changed in " + listed({range});
+            wrong += "nothing changed in " + listed({ range });
     }
     return wrong;
 }
@@ -220,8 +220,9 @@ std::string FileProof::unchangedOutside(const std::vector<ByteRange>& ranges) co
     std::string wrong = frameKept(after);
     const std::vector<ByteRange> allowed = joined(ranges);
     for (const ByteRange& each : changedRanges(bytes, after)) {
-        if (std::none_of(allowed.begin(), allowed.end(), [&](const ByteRange& range) { return liesWithin(each, range); }))
-            wrong += "changed is " + listed({each}) + "; ";
+        if (std::none_of(
+                allowed.begin(), allowed.end(), [&](const ByteRange& range) { return liesWithin(each, range); }))
+            wrong += "changed is " + listed({ each }) + "; ";
     }
     return wrong;
 }

@@ -21,8 +21,7 @@
 
 namespace {
 
-template <typename Function>
-Function* nextOf(const char* name)
+template <typename Function> Function* nextOf(const char* name)
 {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
@@ -61,7 +60,10 @@ ssize_t failedWith(int error)
     return -1;
 }
 
-int plainError() { return setting("TAGWELL_FAULT_HOW") == "full" ? ENOSPC : EIO; }
+int plainError()
+{
+    return setting("TAGWELL_FAULT_HOW") == "full" ? ENOSPC : EIO;
+}
 
 ssize_t faultyWrite(int descriptor, const char* bytes, size_t size)
 {

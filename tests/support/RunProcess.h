@@ -15,8 +15,8 @@ struct ProcessResult {
 
 /// Runs `command` (program, looked up in PATH, and arguments) with `environment` ("NAME=value") on top of this
 /// process's own, standard input empty, and waits for its end. Blocks; any thread.
-ProcessResult runProcess(const std::vector<std::string>& command, const std::vector<std::string>& environment = {},
-    bool withErrors = true);
+ProcessResult runProcess(
+    const std::vector<std::string>& command, const std::vector<std::string>& environment = {}, bool withErrors = true);
 
 /// True if a program of that name can be found in PATH.
 bool programExists(const std::string& name);

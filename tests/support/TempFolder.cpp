@@ -23,7 +23,7 @@ TempFolder::~TempFolder()
 std::string readBytes(const std::string& path)
 {
     std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    return { std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>() };
 }
 
 void writeBytes(const std::string& path, const std::string& bytes)

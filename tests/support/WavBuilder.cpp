@@ -20,9 +20,18 @@ std::string fixedField(std::string text, size_t width)
 
 } // namespace
 
-std::string le16(uint16_t value) { return littleEndian(value, 2); }
-std::string le32(uint32_t value) { return littleEndian(value, 4); }
-std::string le64(uint64_t value) { return littleEndian(value, 8); }
+std::string le16(uint16_t value)
+{
+    return littleEndian(value, 2);
+}
+std::string le32(uint32_t value)
+{
+    return littleEndian(value, 4);
+}
+std::string le64(uint64_t value)
+{
+    return littleEndian(value, 8);
+}
 
 std::string bextPayload(const BextFields& fields)
 {
@@ -57,13 +66,19 @@ WavBuilder& WavBuilder::fmt(uint32_t rate, uint16_t channels, uint16_t bits, uin
 {
     const uint32_t align = channels * (bits / 8u);
     frameBytes = align;
-    return chunk("fmt ", le16(tag) + le16(channels) + le32(rate) + le32(rate * align)
-            + le16(static_cast<uint16_t>(align)) + le16(bits));
+    return chunk("fmt ",
+        le16(tag) + le16(channels) + le32(rate) + le32(rate * align) + le16(static_cast<uint16_t>(align)) + le16(bits));
 }
 
-WavBuilder& WavBuilder::bext(const BextFields& fields) { return chunk("bext", bextPayload(fields)); }
+WavBuilder& WavBuilder::bext(const BextFields& fields)
+{
+    return chunk("bext", bextPayload(fields));
+}
 
-WavBuilder& WavBuilder::ixml(const std::string& text) { return chunk("iXML", text); }
+WavBuilder& WavBuilder::ixml(const std::string& text)
+{
+    return chunk("iXML", text);
+}
 
 WavBuilder& WavBuilder::ixmlPadded(const std::string& text, size_t size, char pad)
 {
@@ -78,7 +93,10 @@ WavBuilder& WavBuilder::ds64(uint64_t dataSize, uint64_t sampleCount)
     return chunk("ds64", le64(0) + le64(dataSize) + le64(sampleCount) + le32(0));
 }
 
-WavBuilder& WavBuilder::data(const std::string& payload) { return chunk("data", payload); }
+WavBuilder& WavBuilder::data(const std::string& payload)
+{
+    return chunk("data", payload);
+}
 
 WavBuilder& WavBuilder::dataFrames(size_t frames)
 {
@@ -90,7 +108,7 @@ WavBuilder& WavBuilder::dataFrames(size_t frames)
 
 WavBuilder& WavBuilder::chunk(const std::string& id, const std::string& payload)
 {
-    chunks.push_back({id, payload, static_cast<uint32_t>(payload.size()), true});
+    chunks.push_back({ id, payload, static_cast<uint32_t>(payload.size()), true });
     return *this;
 }
 
@@ -152,4 +170,7 @@ size_t WavBuilder::payloadOffset(const std::string& id) const
     return 0;
 }
 
-void WavBuilder::write(const std::string& path) const { writeBytes(path, bytes()); }
+void WavBuilder::write(const std::string& path) const
+{
+    writeBytes(path, bytes());
+}

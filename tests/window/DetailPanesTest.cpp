@@ -53,7 +53,7 @@ protected:
 TEST_F(DetailPanes, generalPaneHasItsRows)
 {
     EXPECT_EQ(widget<QGroupBox>("generalGroup")->title(), QStringLiteral("GENERAL"));
-    const std::vector<std::pair<std::string, std::string>> wanted { { "Current File:", "currentFileLabel" },
+    const std::vector<std::pair<std::string, std::string>> wanted{ { "Current File:", "currentFileLabel" },
         { "Channels:", "channelsLabel" }, { "Scene:", "sceneEdit" }, { "Take:", "takeEdit" },
         { "Circled:", "circledCheck" }, { "Wild Track:", "wildTrackCheck" }, { "Project:", "projectEdit" },
         { "Tape ID:", "tapeIdEdit" }, { "Notes:", "notesEdit" } };
@@ -64,7 +64,7 @@ TEST_F(DetailPanes, generalPaneHasItsRows)
 TEST_F(DetailPanes, recordingPaneHasItsRows)
 {
     EXPECT_EQ(widget<QGroupBox>("recordingGroup")->title(), QStringLiteral("RECORDING INFO"));
-    const std::vector<std::pair<std::string, std::string>> wanted { { "Sample Rate:", "sampleRateLabel" },
+    const std::vector<std::pair<std::string, std::string>> wanted{ { "Sample Rate:", "sampleRateLabel" },
         { "TC Sample Rate:", "tcSampleRateLabel" }, { "Frame Rate:", "frameRateLabel" },
         { "Timecode:", "timecodeButton" }, { "Length:", "lengthLabel" },
         { "Samples Since Midnight:", "samplesSinceMidnightLabel" }, { "UserBits:", "userBitsLabel" },
@@ -80,7 +80,7 @@ TEST_F(DetailPanes, trackPaneHoldsTheTrackTable)
     std::vector<std::string> titles;
     for (int column = 0; column < tracks()->columnCount(); ++column)
         titles.push_back(tracks()->horizontalHeaderItem(column)->text().toStdString());
-    EXPECT_EQ(titles, (std::vector<std::string> { "Interleave", "Channel", "Track Name", "Function" }));
+    EXPECT_EQ(titles, (std::vector<std::string>{ "Interleave", "Channel", "Track Name", "Function" }));
     EXPECT_TRUE(tracks()->horizontalHeader()->stretchLastSection());
     EXPECT_TRUE(tracks()->verticalHeader()->isHidden());
     EXPECT_EQ(tracks()->editTriggers(), QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked);
@@ -207,8 +207,14 @@ TEST_F(DetailPanes, severalFilesNeverShareTakeAndTimes)
 TEST_F(DetailPanes, severalFilesShowTheMarkWhereTheyDiffer)
 {
     add("a.wav", full());
-    Recording other { .scene = "13", .project = "Hill", .tape = "2", .note = "rain", .frameRate = "24/1",
-        .timestampRate = 96000, .sampleRate = 96000, .channels = 1 };
+    Recording other{ .scene = "13",
+        .project = "Hill",
+        .tape = "2",
+        .note = "rain",
+        .frameRate = "24/1",
+        .timestampRate = 96000,
+        .sampleRate = 96000,
+        .channels = 1 };
     add("b.wav", other);
     select({ 0, 1 });
     expectNoFile({ text("channelsLabel"), text("sceneEdit"), text("projectEdit"), text("tapeIdEdit"), notes(),
@@ -314,7 +320,8 @@ TEST_F(DetailPanes, doubleClickEditsNameAndFunctionOfATrackOnly)
         QTest::mouseClick(tracks()->viewport(), Qt::LeftButton, {}, place);
         QTest::mouseDClick(tracks()->viewport(), Qt::LeftButton, {}, place);
         const bool editable = column >= indexOf(TrackColumn::Name);
-        EXPECT_EQ(tracks()->isPersistentEditorOpen(item) || tracks()->viewport()->findChild<QLineEdit*>() != nullptr, editable)
+        EXPECT_EQ(tracks()->isPersistentEditorOpen(item) || tracks()->viewport()->findChild<QLineEdit*>() != nullptr,
+            editable)
             << column;
         if (auto* editor = tracks()->viewport()->findChild<QLineEdit*>())
             QTest::keyClick(editor, Qt::Key_Escape);
@@ -422,7 +429,7 @@ TEST_F(DetailPanes, tabWalksThroughTheControlsInReadingOrder)
         QTest::keyClick(focused, Qt::Key_Tab);
     }
     EXPECT_EQ(visited,
-        (std::vector<std::string> { "fileTable", "addButton", "removeFileButton", "clearButton", "soundReportButton",
+        (std::vector<std::string>{ "fileTable", "addButton", "removeFileButton", "clearButton", "soundReportButton",
             "sceneEdit", "takeEdit", "circledCheck", "wildTrackCheck", "projectEdit", "tapeIdEdit", "notesEdit",
             "timecodeButton", "trackTable", "saveButton" }));
 }

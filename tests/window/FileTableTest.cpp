@@ -26,7 +26,7 @@ TEST_F(FileTable, windowHasItsTitleSizeAndTakesDrops)
 
 TEST_F(FileTable, hasItsFourteenColumns)
 {
-    const std::vector<std::string> wanted { "", "File Name", "File Size", "Channels", "TAPEID", "SCENE", "TAKE",
+    const std::vector<std::string> wanted{ "", "File Name", "File Size", "Channels", "TAPEID", "SCENE", "TAKE",
         "START TC", "LENGTH", "DATE", "CIRCLED", "SAMPLE RATE", "FRAME RATE", "Notes" };
     std::vector<std::string> titles;
     for (int column = 0; column < table()->columnCount(); ++column)
@@ -167,14 +167,14 @@ TEST_F(FileTable, samePathTwiceGivesOneRow)
 TEST_F(FileTable, pathsThatDifferInCaseAreTwoFiles)
 {
     window->openFiles({ write("a.wav", {}), write("A.wav", {}) });
-    EXPECT_EQ(column(FileColumn::FileName), (std::vector<std::string> { "a.wav", "A.wav" }));
+    EXPECT_EQ(column(FileColumn::FileName), (std::vector<std::string>{ "a.wav", "A.wav" }));
 }
 
 TEST_F(FileTable, rowsStandInTheOrderOfAdding)
 {
     window->addFiles({ write("b.wav", {}), write("a.wav", {}) });
     window->addFiles({ write("c.wav", {}), path("a.wav"), write("A.wav", {}) });
-    EXPECT_EQ(column(FileColumn::FileName), (std::vector<std::string> { "b.wav", "a.wav", "c.wav", "A.wav" }));
+    EXPECT_EQ(column(FileColumn::FileName), (std::vector<std::string>{ "b.wav", "a.wav", "c.wav", "A.wav" }));
 }
 
 TEST_F(FileTable, addingSelectsNothingAndOffersNoSaving)
@@ -242,7 +242,7 @@ TEST_F(FileTable, clickOnAHeaderDoesNotSort)
     QHeaderView* header = table()->horizontalHeader();
     for (int i = 0; i < 2; ++i)
         QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, QPoint(header->sectionViewportPosition(1) + 20, 5));
-    EXPECT_EQ(column(FileColumn::FileName), (std::vector<std::string> { "b.wav", "a.wav" }));
+    EXPECT_EQ(column(FileColumn::FileName), (std::vector<std::string>{ "b.wav", "a.wav" }));
 }
 
 TEST_F(FileTable, everyRowGetsAPlayButton)

@@ -115,7 +115,7 @@ TEST_F(FilesInAndOut, walkFindsWavFilesAtAnyDepthAndInAnyCase)
     touch("wav");
     touch("d.wav.txt");
     EXPECT_EQ(window->collectWavFilesInDirectory(path("")),
-        (QList<QString> { path("a.wav"), path("B.WAV"), path("one/two/three/c.Wav") }));
+        (QList<QString>{ path("a.wav"), path("B.WAV"), path("one/two/three/c.Wav") }));
 }
 
 TEST_F(FilesInAndOut, walkSkipsHiddenFilesAndFolders)
@@ -124,7 +124,7 @@ TEST_F(FilesInAndOut, walkSkipsHiddenFilesAndFolders)
     touch(".wav");
     touch(".secret/a.wav");
     touch("open/b.wav");
-    EXPECT_EQ(window->collectWavFilesInDirectory(path("")), (QList<QString> { path("open/b.wav") }));
+    EXPECT_EQ(window->collectWavFilesInDirectory(path("")), (QList<QString>{ path("open/b.wav") }));
 }
 
 TEST_F(FilesInAndOut, walkDoesNotFollowLinksToFoldersButTakesLinksToFiles)
@@ -135,14 +135,13 @@ TEST_F(FilesInAndOut, walkDoesNotFollowLinksToFoldersButTakesLinksToFiles)
     std::filesystem::create_directory_symlink(folder.file("real"), folder.file("folder.wav"));
     std::filesystem::create_symlink(folder.file("real/a.wav"), folder.file("b.wav"));
     std::filesystem::create_symlink(folder.file("nowhere.wav"), folder.file("broken.wav"));
-    EXPECT_EQ(
-        window->collectWavFilesInDirectory(path("")), (QList<QString> { path("b.wav"), path("real/a.wav") }));
+    EXPECT_EQ(window->collectWavFilesInDirectory(path("")), (QList<QString>{ path("b.wav"), path("real/a.wav") }));
 }
 
 TEST_F(FilesInAndOut, walkGoesIntoAFolderNamedAsAWavFile)
 {
     touch("day.wav/a.wav");
-    EXPECT_EQ(window->collectWavFilesInDirectory(path("")), (QList<QString> { path("day.wav/a.wav") }));
+    EXPECT_EQ(window->collectWavFilesInDirectory(path("")), (QList<QString>{ path("day.wav/a.wav") }));
 }
 
 TEST_F(FilesInAndOut, walkSortsByPathAndNotByNameOrFolder)
@@ -161,12 +160,12 @@ TEST_F(FilesInAndOut, walkInterleavesFoldersThatDifferInCaseOnly)
     for (const char* name : { "day/1.wav", "Day/2.wav", "day/3.wav", "DAY/4.wav" })
         touch(name);
     EXPECT_EQ(window->collectWavFilesInDirectory(path("")),
-        (QList<QString> { path("day/1.wav"), path("Day/2.wav"), path("day/3.wav"), path("DAY/4.wav") }));
+        (QList<QString>{ path("day/1.wav"), path("Day/2.wav"), path("day/3.wav"), path("DAY/4.wav") }));
 }
 
 TEST_F(FilesInAndOut, namesOfAllKindsAreFound)
 {
-    const QList<QString> files { touch("with blanks.wav"), touch("quote\"'s.wav"), touch("line\nfeed.wav"),
+    const QList<QString> files{ touch("with blanks.wav"), touch("quote\"'s.wav"), touch("line\nfeed.wav"),
         touch("\u00dcbung \u65e5\u672c \U0001F399.WAV"), touch("percent%20.wav"), touch("back\\slash.wav") };
     drop({ path("") });
     ASSERT_EQ(table()->rowCount(), files.size());
@@ -180,7 +179,7 @@ TEST_F(FilesInAndOut, namesThatAreNoUtf8ArePassedOver)
 {
     touch("a.wav");
     writeBytes(folder.file("b\xff.wav"), "");
-    EXPECT_EQ(window->collectWavFilesInDirectory(path("")), (QList<QString> { path("a.wav") }));
+    EXPECT_EQ(window->collectWavFilesInDirectory(path("")), (QList<QString>{ path("a.wav") }));
 }
 
 TEST_F(FilesInAndOut, aPathIsCollectedOnceInOrderOfFirstAppearance)
@@ -190,7 +189,7 @@ TEST_F(FilesInAndOut, aPathIsCollectedOnceInOrderOfFirstAppearance)
     touch("z.wav");
     EXPECT_EQ(window->collectWavFilesFromPaths(
                   { path("z.wav"), path("day/b.wav"), path("day"), path("z.wav"), path("missing.wav") }),
-        (QList<QString> { path("z.wav"), path("day/b.wav"), path("day/a.wav") }));
+        (QList<QString>{ path("z.wav"), path("day/b.wav"), path("day/a.wav") }));
 }
 
 TEST_F(FilesInAndOut, filesOfOtherKindsAreNotCollected)
@@ -205,27 +204,33 @@ TEST_F(FilesInAndOut, sameFolderTwiceGivesNoNewRowsAndNoMessage)
     panel.picked = { path("day") };
     press("addButton");
     press("addButton");
-    EXPECT_EQ(names(), (std::vector<std::string> { "a.wav", "b.wav" }));
+    EXPECT_EQ(names(), (std::vector<std::string>{ "a.wav", "b.wav" }));
     EXPECT_EQ(panel.calls, 2);
 }
 
 TEST_F(FilesInAndOut, dragWithOneWavAmongOthersIsAcceptedAndOnlyTheWavIsAdded)
 {
-    const QList<QString> files { touch("a.pdf"), touch("b.Wav") };
+    const QList<QString> files{ touch("a.pdf"), touch("b.Wav") };
     EXPECT_TRUE(drag(files));
     drop(files);
-    EXPECT_EQ(names(), (std::vector<std::string> { "b.Wav" }));
+    EXPECT_EQ(names(), (std::vector<std::string>{ "b.Wav" }));
 }
 
-TEST_F(FilesInAndOut, dragOfAPdfAloneIsNotAccepted) { EXPECT_FALSE(drag(QList<QString> { touch("a.pdf") })); }
+TEST_F(FilesInAndOut, dragOfAPdfAloneIsNotAccepted)
+{
+    EXPECT_FALSE(drag(QList<QString>{ touch("a.pdf") }));
+}
 
 TEST_F(FilesInAndOut, dragOfAFolderIsAccepted)
 {
     touch("day/a.txt");
-    EXPECT_TRUE(drag(QList<QString> { path("day") }));
+    EXPECT_TRUE(drag(QList<QString>{ path("day") }));
 }
 
-TEST_F(FilesInAndOut, dragDoesNotAskWhetherAWavExists) { EXPECT_TRUE(drag(QList<QString> { path("missing.wav") })); }
+TEST_F(FilesInAndOut, dragDoesNotAskWhetherAWavExists)
+{
+    EXPECT_TRUE(drag(QList<QString>{ path("missing.wav") }));
+}
 
 TEST_F(FilesInAndOut, dragWithoutUrlsIsNotAccepted)
 {
@@ -248,7 +253,7 @@ TEST_F(FilesInAndOut, dragOverTheFileTableReachesTheWindow)
     EXPECT_TRUE(enter(table()->viewport(), data.get()));
     QDropEvent event(QPointF(5, 5), Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(table()->viewport(), &event);
-    EXPECT_EQ(names(), (std::vector<std::string> { "a.wav" }));
+    EXPECT_EQ(names(), (std::vector<std::string>{ "a.wav" }));
 }
 
 TEST_F(FilesInAndOut, dropRemembersTheFolderOfTheFirstWav)
@@ -325,7 +330,7 @@ TEST_F(FilesInAndOut, pickedFileRemembersItsFolder)
     panel.picked = { touch("day/a.wav"), touch("other/b.wav") };
     press("addButton");
     EXPECT_EQ(remembered(), path("day").toStdString());
-    EXPECT_EQ(names(), (std::vector<std::string> { "a.wav", "b.wav" }));
+    EXPECT_EQ(names(), (std::vector<std::string>{ "a.wav", "b.wav" }));
 }
 
 TEST_F(FilesInAndOut, rememberingWritesTheSettingsFileAtOnce)
@@ -353,7 +358,10 @@ TEST_F(FilesInAndOut, openedFilesRememberTheFolderOfTheFirst)
     EXPECT_EQ(remembered(), folder.file("one"));
 }
 
-TEST_F(FilesInAndOut, panelStartsNowhereIfNothingIsRemembered) { EXPECT_TRUE(window->startingDirectory().isEmpty()); }
+TEST_F(FilesInAndOut, panelStartsNowhereIfNothingIsRemembered)
+{
+    EXPECT_TRUE(window->startingDirectory().isEmpty());
+}
 
 TEST_F(FilesInAndOut, panelStartsInTheFolderOfTheSettings)
 {
@@ -394,7 +402,7 @@ TEST_F(Removing, leavesTheOthersInStep)
 {
     select({ 1, 3 });
     press("removeFileButton");
-    EXPECT_EQ(names(), (std::vector<std::string> { "t0.wav", "t2.wav", "t4.wav" }));
+    EXPECT_EQ(names(), (std::vector<std::string>{ "t0.wav", "t2.wav", "t4.wav" }));
     for (int row = 0; row < 3; ++row) {
         select({ row });
         EXPECT_EQ(text("currentFileLabel"), cell(row, FileColumn::FileName));
@@ -407,7 +415,7 @@ TEST_F(Removing, letsTheFilesBeAddedAgainAtTheEnd)
     select({ 1 });
     press("removeFileButton");
     window->addFiles({ path("t1.wav"), path("t2.wav") });
-    EXPECT_EQ(names(), (std::vector<std::string> { "t0.wav", "t2.wav", "t3.wav", "t4.wav", "t1.wav" }));
+    EXPECT_EQ(names(), (std::vector<std::string>{ "t0.wav", "t2.wav", "t3.wav", "t4.wav", "t1.wav" }));
 }
 
 TEST_F(Removing, clearsThePanesAndOffersNothing)
@@ -521,7 +529,7 @@ TEST_F(Removing, clearEmptiesListAndPanesWithoutAQuestion)
     EXPECT_FALSE(enabled("saveButton"));
     EXPECT_FALSE(enabled("removeFileButton"));
     window->addFiles({ path("t0.wav") });
-    EXPECT_EQ(names(), (std::vector<std::string> { "t0.wav" }));
+    EXPECT_EQ(names(), (std::vector<std::string>{ "t0.wav" }));
 }
 
 TEST_F(Removing, clearOfASelectionOfSeveralLeavesTheTakeDisabled)

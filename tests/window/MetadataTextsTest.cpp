@@ -22,11 +22,11 @@ struct SizeCase {
 TEST(FileSizeText, stepsBy1024AndKeepsOneDecimal)
 {
     constexpr uint64_t kKilo = 1024;
-    for (const SizeCase& each : { SizeCase { 0, "0.0 B" }, SizeCase { 512, "512.0 B" }, SizeCase { 1023, "1023.0 B" },
-             SizeCase { 1024, "1.0 KB" }, SizeCase { 1536, "1.5 KB" }, SizeCase { kKilo * kKilo - 1, "1024.0 KB" },
-             SizeCase { kKilo * kKilo, "1.0 MB" }, SizeCase { kKilo * kKilo * kKilo, "1.0 GB" },
-             SizeCase { kKilo * kKilo * kKilo * kKilo, "1.0 TB" },
-             SizeCase { kKilo * kKilo * kKilo * kKilo * kKilo, "1024.0 TB" } })
+    for (const SizeCase& each :
+        { SizeCase{ 0, "0.0 B" }, SizeCase{ 512, "512.0 B" }, SizeCase{ 1023, "1023.0 B" }, SizeCase{ 1024, "1.0 KB" },
+            SizeCase{ 1536, "1.5 KB" }, SizeCase{ kKilo * kKilo - 1, "1024.0 KB" }, SizeCase{ kKilo * kKilo, "1.0 MB" },
+            SizeCase{ kKilo * kKilo * kKilo, "1.0 GB" }, SizeCase{ kKilo * kKilo * kKilo * kKilo, "1.0 TB" },
+            SizeCase{ kKilo * kKilo * kKilo * kKilo * kKilo, "1024.0 TB" } })
         EXPECT_EQ(MetadataManagerWindow::formatFileSize(each.bytes), QLatin1String(each.text)) << each.bytes;
 }
 
@@ -58,7 +58,8 @@ TEST(TimecodeText, survivesNumbersBeyondAllRanges)
 {
     const double infinity = std::numeric_limits<double>::infinity();
     EXPECT_EQ(MetadataManagerWindow::formatTimecode(48000, 48000, infinity), QStringLiteral("00:00:01:00"));
-    EXPECT_EQ(MetadataManagerWindow::formatTimecode(72000, 48000, 1e300), QStringLiteral("00:00:01:18446744073709551615"));
+    EXPECT_EQ(
+        MetadataManagerWindow::formatTimecode(72000, 48000, 1e300), QStringLiteral("00:00:01:18446744073709551615"));
     EXPECT_EQ(MetadataManagerWindow::formatTimecode(std::numeric_limits<uint64_t>::max(), 1, 25.0).size(), 11);
 }
 
@@ -87,9 +88,9 @@ struct FrameRateCase {
 
 TEST(FrameRateText, takesOffTrailingZerosAndPoint)
 {
-    for (const FrameRateCase& each : { FrameRateCase { 25.0, "25 fps" }, FrameRateCase { 23.976, "23.976 fps" },
-             FrameRateCase { 29.97, "29.97 fps" }, FrameRateCase { 24.0, "24 fps" }, FrameRateCase { 100.0, "100 fps" },
-             FrameRateCase { 24000.0 / 1001.0, "23.976 fps" }, FrameRateCase { 0.0001, "0 fps" } })
+    for (const FrameRateCase& each : { FrameRateCase{ 25.0, "25 fps" }, FrameRateCase{ 23.976, "23.976 fps" },
+             FrameRateCase{ 29.97, "29.97 fps" }, FrameRateCase{ 24.0, "24 fps" }, FrameRateCase{ 100.0, "100 fps" },
+             FrameRateCase{ 24000.0 / 1001.0, "23.976 fps" }, FrameRateCase{ 0.0001, "0 fps" } })
         EXPECT_EQ(frameRateText(each.rate), QLatin1String(each.text)) << each.rate;
 }
 
@@ -123,7 +124,10 @@ TEST(StartTimecodeText, countsInTheTimestampRateIfThereIsOne)
     EXPECT_EQ(startTimecodeText(startingAt(48000, 0)), QStringLiteral("00:00:01:00"));
 }
 
-TEST(StartTimecodeText, isTheMarkForAStartAtMidnight) { EXPECT_EQ(startTimecodeText(startingAt(0, 0)), kMark); }
+TEST(StartTimecodeText, isTheMarkForAStartAtMidnight)
+{
+    EXPECT_EQ(startTimecodeText(startingAt(0, 0)), kMark);
+}
 
 TEST(StartTimecodeText, isTheMarkWithoutAnyRate)
 {

@@ -63,7 +63,7 @@ protected:
             frames += le16(static_cast<uint16_t>(sample));
         WavBuilder builder = start;
         builder.data(frames).write(folder.file(name));
-        window->openFiles({QString::fromStdString(folder.file(name))});
+        window->openFiles({ QString::fromStdString(folder.file(name)) });
     }
 
     void addThree()
@@ -91,13 +91,22 @@ protected:
 
     FilePlaybackMixerDialog* dialog() const { return dialogs().value(0); }
 
-    QString playedFile() const { return dialogs().size() == 1 ? dialog()->findChild<QLabel*>("titleLabel")->text() : QString(); }
+    QString playedFile() const
+    {
+        return dialogs().size() == 1 ? dialog()->findChild<QLabel*>("titleLabel")->text() : QString();
+    }
 
-    QString trackName(int track) const { return dialog()->findChild<QLabel*>(QStringLiteral("nameLabel%1").arg(track))->text(); }
+    QString trackName(int track) const
+    {
+        return dialog()->findChild<QLabel*>(QStringLiteral("nameLabel%1").arg(track))->text();
+    }
 
     void startPlayback() { QTest::mouseClick(dialog()->findChild<QPushButton*>("playPauseButton"), Qt::LeftButton); }
 
-    bool isPlaying() const { return dialog()->findChild<QPushButton*>("playPauseButton")->text() == QLatin1String(" Pause"); }
+    bool isPlaying() const
+    {
+        return dialog()->findChild<QPushButton*>("playPauseButton")->text() == QLatin1String(" Pause");
+    }
 
     static bool hear(float level)
     {
@@ -117,7 +126,10 @@ protected:
     QStringList boxes;
 };
 
-void settle() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+void settle()
+{
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
 
 } // namespace
 
@@ -175,9 +187,11 @@ TEST_F(Playing, aMonoFileWithoutTracksIsTrack1)
 TEST_F(Playing, namesOfTheFileReachTheMixer)
 {
     add("poly.wav", 0.01f,
-        WavBuilder().fmt(48000, 4, 16).ixml("<BWFXML><TRACK_LIST><TRACK><CHANNEL_INDEX>1</CHANNEL_INDEX><NAME>Boom</NAME></TRACK>"
-                                            "<TRACK><CHANNEL_INDEX>2</CHANNEL_INDEX><NAME>Lav</NAME></TRACK>"
-                                            "<TRACK><CHANNEL_INDEX>4</CHANNEL_INDEX><NAME>Mix</NAME></TRACK></TRACK_LIST></BWFXML>"));
+        WavBuilder()
+            .fmt(48000, 4, 16)
+            .ixml("<BWFXML><TRACK_LIST><TRACK><CHANNEL_INDEX>1</CHANNEL_INDEX><NAME>Boom</NAME></TRACK>"
+                  "<TRACK><CHANNEL_INDEX>2</CHANNEL_INDEX><NAME>Lav</NAME></TRACK>"
+                  "<TRACK><CHANNEL_INDEX>4</CHANNEL_INDEX><NAME>Mix</NAME></TRACK></TRACK_LIST></BWFXML>"));
     press(0);
     EXPECT_EQ(trackName(0), "Boom");
     EXPECT_EQ(trackName(1), "Lav");
@@ -196,7 +210,7 @@ TEST_F(Playing, trackNamesOfARowThatIsNotThereAreNone)
 TEST_F(Playing, rowsThatAreNotThereOpenNothing)
 {
     add("a.wav", 0.5f);
-    for (const int row : {-1, 1, 1000000})
+    for (const int row : { -1, 1, 1000000 })
         QMetaObject::invokeMethod(window.get(), "onPlayFile", Qt::DirectConnection, Q_ARG(int, row));
     EXPECT_TRUE(dialogs().isEmpty());
 }
@@ -400,9 +414,9 @@ TEST_F(Playing, closePlaybackOverlayClosesItOnce)
 TEST_F(Playing, anUnplayableFileOpensAsADisplayAfterItsBox)
 {
     writeBytes(folder.file("text.wav"), "no sound");
-    window->openFiles({QString::fromStdString(folder.file("text.wav"))});
+    window->openFiles({ QString::fromStdString(folder.file("text.wav")) });
     press(0);
-    EXPECT_EQ(boxes, QStringList({"Could not open this WAV for playback."}));
+    EXPECT_EQ(boxes, QStringList({ "Could not open this WAV for playback." }));
     EXPECT_EQ(playedFile(), "text.wav");
     EXPECT_TRUE(dialog()->isVisible());
 }

@@ -59,8 +59,8 @@ TEST_F(Splitters, haveTheirSettings)
 TEST_F(Splitters, getTheirDefaultsWithoutSettings)
 {
     showFitting();
-    EXPECT_EQ(files()->sizes(), (QList<int> { 300, 480 }));
-    EXPECT_EQ(details()->sizes(), (QList<int> { 360, 360, 360 }));
+    EXPECT_EQ(files()->sizes(), (QList<int>{ 300, 480 }));
+    EXPECT_EQ(details()->sizes(), (QList<int>{ 360, 360, 360 }));
 }
 
 TEST_F(Splitters, areRestoredByTheFirstTurnOfTheEventLoop)
@@ -82,8 +82,8 @@ TEST_F(Splitters, oneBadPaneTakesAllPanesOfItsSplitterBackToTheirDefaults)
     store("recording", 0);
     store("tracks", 220);
     showFitting();
-    EXPECT_EQ(files()->sizes(), (QList<int> { 380, 400 }));
-    EXPECT_EQ(details()->sizes(), (QList<int> { 360, 360, 360 }));
+    EXPECT_EQ(files()->sizes(), (QList<int>{ 380, 400 }));
+    EXPECT_EQ(details()->sizes(), (QList<int>{ 360, 360, 360 }));
 }
 
 TEST_F(Splitters, storedSizesAreUsedIfAllAreAboveZero)
@@ -92,7 +92,7 @@ TEST_F(Splitters, storedSizesAreUsedIfAllAreAboveZero)
     store("recording", 400);
     store("tracks", 380);
     showFitting();
-    EXPECT_EQ(details()->sizes(), (QList<int> { 300, 400, 380 }));
+    EXPECT_EQ(details()->sizes(), (QList<int>{ 300, 400, 380 }));
 }
 
 TEST_F(Splitters, eachMoveOfAHandleRewritesTheSettingsFile)

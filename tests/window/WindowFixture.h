@@ -20,20 +20,20 @@
 
 /// What a recording of a test says about itself; empty texts have no element.
 struct Recording {
-    std::string scene {};
-    std::string take {};
-    std::string project {};
-    std::string tape {};
-    std::string note {};
-    std::string frameRate {}; ///< As in the iXML, such as "25/1".
-    std::string ubits {};
+    std::string scene{};
+    std::string take{};
+    std::string project{};
+    std::string tape{};
+    std::string note{};
+    std::string frameRate{}; ///< As in the iXML, such as "25/1".
+    std::string ubits{};
     bool circled = false;
     bool wildTrack = false;
     uint64_t timeReference = 0;
     uint32_t timestampRate = 0;
     uint32_t sampleRate = 48000;
     uint16_t channels = 2;
-    std::vector<std::string> trackNames {};
+    std::vector<std::string> trackNames{};
 
     std::string ixml() const
     {
@@ -76,8 +76,7 @@ protected:
         window = std::make_unique<MetadataManagerWindow>();
     }
 
-    template <typename Widget>
-    Widget* widget(const char* name) const
+    template <typename Widget> Widget* widget(const char* name) const
     {
         auto* found = window->findChild<Widget*>(QString::fromLatin1(name));
         EXPECT_TRUE(found) << name;
@@ -89,7 +88,10 @@ protected:
     bool enabled(const char* button) const { return widget<QPushButton>(button)->isEnabled(); }
 
     /// The text that a label, line edit or button shows.
-    std::string text(const char* name) const { return widget<QWidget>(name)->property("text").toString().toStdString(); }
+    std::string text(const char* name) const
+    {
+        return widget<QWidget>(name)->property("text").toString().toStdString();
+    }
 
     std::string cell(int row, FileColumn column) const
     {

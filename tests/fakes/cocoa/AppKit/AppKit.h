@@ -19,7 +19,8 @@ typedef struct {
 
 @class NSString;
 
-__attribute__((objc_root_class)) @interface NSObject
+__attribute__((objc_root_class))
+@interface NSObject
 @end
 
 @interface NSString : NSObject
