@@ -301,14 +301,14 @@ bool streamGood(const Unit& unit)
 
 bool connectStream(Unit& unit)
 {
-    const pa_sample_spec spec{ PA_SAMPLE_FLOAT32NE, unit.rate, kChannels };
-    unit.stream = pa_stream_new(unit.connection->context, "Playback", &spec, nullptr);
+    const pa_sample_spec format{ PA_SAMPLE_FLOAT32NE, unit.rate, kChannels };
+    unit.stream = pa_stream_new(unit.connection->context, "Playback", &format, nullptr);
     if (!unit.stream)
         return false;
     pa_stream_set_state_callback(unit.stream, onStreamChange, &unit);
     pa_buffer_attr sizes{};
     sizes.maxlength = kServerChoice;
-    sizes.tlength = static_cast<uint32_t>(pa_usec_to_bytes(kStreamLatency, &spec));
+    sizes.tlength = static_cast<uint32_t>(pa_usec_to_bytes(kStreamLatency, &format));
     sizes.prebuf = kServerChoice;
     sizes.minreq = kServerChoice;
     sizes.fragsize = kServerChoice;
