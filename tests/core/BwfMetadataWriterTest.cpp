@@ -628,8 +628,11 @@ TEST_F(WriterTest, shortBextIsWrittenPastItsEndIntoWhatFollows)
 TEST_F(WriterTest, ixmlHeaderThatTheDescriptionOfAShortBextHasRunOverIsNotFoundAnyMore)
 {
     WavBuilder narrow;
-    narrow.fmt(48000, 1, 24).chunk("bext", std::string(100, 'd')).ixml(kIxml).dataFrames(30);
+    // The elements stand behind what the Description takes, where an edit would still find them.
+    const std::string text = std::string(300, 'x') + kIxml;
+    narrow.fmt(48000, 1, 24).chunk("bext", std::string(100, 'd')).ixml(text).dataFrames(30);
     make(narrow);
+    ASSERT_EQ(current.scene, "12");
     updated.scene = "1";
     EXPECT_TRUE(save());
     std::string expected = proof->before();
@@ -641,7 +644,8 @@ TEST_F(WriterTest, ixmlHeaderInsideTheDescriptionOfABextWithoutStepIsNotFoundAny
 {
     // The size 0xFFFFFFFF steps by 0, so the search for iXML goes on inside the payload.
     WavBuilder stepless;
-    const std::string inside = "iXML" + le32(static_cast<uint32_t>(kIxml.size())) + kIxml;
+    const std::string text = std::string(300, 'x') + kIxml;
+    const std::string inside = "iXML" + le32(static_cast<uint32_t>(text.size())) + text;
     stepless.fmt(48000, 1, 24).chunk("bext", inside).claimSize("bext", 0xFFFFFFFFu).dataFrames(30);
     make(stepless);
     ASSERT_EQ(current.scene, "12");
