@@ -20,6 +20,7 @@ WAIT_SECONDS = 30.0
 
 # Roles that newer versions of the accessibility library name differently, by the name that is used here.
 OLDER_ROLE_NAMES = {"button": "push button"}
+TABLE_ROLES = ("table", "tree", "tree table", "list")
 
 
 def role_of(node):
@@ -151,8 +152,9 @@ class Desktop:
     # Looking
 
     def _walk(self, node, depth):
+        """The node and what is below it. A table's cells are left out: there may be thousands, and `cell` gets at them."""
         yield node
-        if depth == 0:
+        if depth == 0 or role_of(node) in TABLE_ROLES:
             return
         for index in range(node.get_child_count()):
             child = node.get_child_at_index(index)

@@ -1,5 +1,6 @@
 """The program's window as a person uses it: rows, fields, buttons, dialogs, by their visible or accessible names."""
 
+import os
 import subprocess
 
 from driver import wait_until
@@ -135,7 +136,9 @@ class Tagwell:
         desktop.replace_text(desktop.find("text", "File name:", within=chooser), path)
         desktop.key("Return")
         desktop.gone("dialog", "Save Sound Report")
-        desktop.find("label", kind + " report generated successfully!")
+        # The toast is gone after two seconds, which a look at every widget can miss on a busy machine. The file stays,
+        # and the dialog answers the mouse again when it is whole.
+        wait_until(lambda: os.path.exists(path) and os.path.getsize(path) > 0, "the report " + path)
         desktop.click(desktop.find("push button", "Close", within=dialog))
         desktop.gone("dialog", "Sound Report Generator")
 
