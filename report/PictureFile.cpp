@@ -1,5 +1,6 @@
 #include "report/PictureFile.h"
 
+#include <QFileInfo>
 #include <QtGlobal>
 
 #include <fcntl.h>
@@ -14,7 +15,7 @@ class HeldBackMessages {
 public:
     HeldBackMessages()
         : previousHandler(qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {}))
-        , standardError(dup(STDERR_FILENO))
+        , standardError(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0))
     {
         const int nowhere = standardError < 0 ? -1 : open("/dev/null", O_WRONLY | O_CLOEXEC);
         if (nowhere < 0)
@@ -44,6 +45,8 @@ private:
 
 QImage loadPicture(const QString& path)
 {
+    if (!QFileInfo(path).isFile())
+        return {}; // Opening a pipe would wait for somebody to write into it.
     const HeldBackMessages quiet;
     return QImage(path);
 }

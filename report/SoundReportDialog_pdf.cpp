@@ -301,6 +301,16 @@ void composeSoundReport(QTextDocument& document, const std::vector<TakeInfo>& ta
     cursor.endEditBlock();
 }
 
+void setUpPage(QPrinter& printer, const QString& filePath)
+{
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(filePath);
+    printer.setPageSize(QPageSize(QPageSize::A4));
+    const QMarginsF margins(kPageMarginInches, kPageMarginInches, kPageMarginInches, kPageMarginInches);
+    printer.setPageMargins(margins, QPageLayout::Inch);
+    printer.setResolution(kResolution);
+}
+
 void printToPdf(const QTextDocument& document, const QString& filePath)
 {
     // The printer would print a warning about a path that it can't write, so this is tried first.
@@ -310,12 +320,7 @@ void printToPdf(const QTextDocument& document, const QString& filePath)
     target.close();
 
     QPrinter printer(QPrinter::HighResolution);
-    printer.setOutputFormat(QPrinter::PdfFormat);
-    printer.setOutputFileName(filePath);
-    printer.setPageSize(QPageSize(QPageSize::A4));
-    const QMarginsF margins(kPageMarginInches, kPageMarginInches, kPageMarginInches, kPageMarginInches);
-    printer.setPageMargins(margins, QPageLayout::Inch);
-    printer.setResolution(kResolution);
+    setUpPage(printer, filePath);
     document.print(&printer);
 }
 

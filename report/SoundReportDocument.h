@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+class QPrinter;
 class QTextDocument;
 
 /// What the PDF report says once about the whole roll.
@@ -42,6 +43,9 @@ struct ReportDetails {
 
 /// Fills an empty document with the title, the block of details and the table of takes.
 void composeSoundReport(QTextDocument& document, const std::vector<TakeInfo>& takes, const ReportDetails& details);
+
+/// Makes a printer write a PDF to `filePath`: A4, margins of half an inch, 300 dots per inch. Prints nothing yet.
+void setUpPage(QPrinter& printer, const QString& filePath);
 
 /// Prints to an A4 PDF, replacing what stood there. Nothing happens if the path can't be written.
 void printToPdf(const QTextDocument& document, const QString& filePath);

@@ -4,6 +4,8 @@
 #include "tests/support/CommaLocale.h"
 
 #include <QImage>
+#include <QPageLayout>
+#include <QPrinter>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -13,6 +15,8 @@
 #include <QTextTableFormat>
 
 #include <cstdio>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -165,6 +169,18 @@ TEST_F(PdfReport, theDocumentPageAndFontAreFixed)
     EXPECT_EQ(sheet.document.defaultFont().styleStrategy(), QFont::PreferAntialias);
 }
 
+TEST_F(PdfReport, thePageIsA4WithHalfAnInchAroundItAt300Dots)
+{
+    QPrinter printer(QPrinter::HighResolution);
+    setUpPage(printer, path("report.pdf"));
+    EXPECT_EQ(printer.outputFormat(), QPrinter::PdfFormat);
+    EXPECT_EQ(printer.outputFileName(), path("report.pdf"));
+    EXPECT_EQ(printer.pageLayout().pageSize().id(), QPageSize::A4);
+    EXPECT_EQ(printer.pageLayout().orientation(), QPageLayout::Portrait);
+    EXPECT_EQ(printer.pageLayout().margins(QPageLayout::Inch), QMarginsF(0.5, 0.5, 0.5, 0.5));
+    EXPECT_EQ(printer.resolution(), 300);
+}
+
 TEST_F(PdfReport, theTitleIsCentredWithoutALogo)
 {
     const Sheet sheet(monoTakes(1));
@@ -186,6 +202,14 @@ TEST_F(PdfReport, aLogoThatIsNoPictureOrMissingGivesTheCentredTitle)
         EXPECT_EQ(sheet.tables.size(), 2) << name;
         EXPECT_EQ(sheet.document.firstBlock().text(), "Sound Report") << name;
     }
+}
+
+TEST_F(PdfReport, aPipeInPlaceOfALogoIsNotWaitedFor)
+{
+    const std::string pipe = folder.file("logo.png");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const Sheet sheet(monoTakes(1), { .companyLogoPath = pipe });
+    EXPECT_EQ(sheet.tables.size(), 2);
 }
 
 TEST_F(PdfReport, aPictureCutShortIsLoadedWithoutAWord)
@@ -391,6 +415,9 @@ TEST_F(PdfReport, aTakeFillsTwoRows)
         expectFont(Sheet::charFormat(sheet.takeTable(), 1, column), 8, 400);
     EXPECT_EQ(sheet.cell(2, 0), "Notes: plane");
     EXPECT_EQ(sheet.takeTable().cellAt(2, 0).columnSpan(), 6);
+    // Left is also what a block without an alignment answers. Merging drops what the notes' cell was given.
+    EXPECT_TRUE(Sheet::start(sheet.takeTable(), 1, 0).blockFormat().hasProperty(QTextFormat::BlockAlignment));
+    EXPECT_EQ(Sheet::start(sheet.takeTable(), 1, 0).blockFormat().alignment(), Qt::AlignLeft);
     EXPECT_EQ(Sheet::start(sheet.takeTable(), 2, 0).blockFormat().alignment(), Qt::AlignLeft);
     expectFont(Sheet::charFormat(sheet.takeTable(), 2, 0), 8, 700);
     expectFont(Sheet::charFormat(sheet.takeTable(), 2, 0, 7), 8, 400);

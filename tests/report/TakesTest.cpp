@@ -249,6 +249,19 @@ TEST_F(Takes, timecodeCountsInTheTimestampRateAndNotInTheAudioRate)
     EXPECT_EQ(take.timecodeOut, "00:01:50:00");
 }
 
+TEST_F(Takes, theEndCountsWholeSamplesOnly)
+{
+    // 7 frames at 4 Hz last 1.75 s, which are 1.75 samples of the timestamp's rate.
+    const std::string ixml
+        = "<SPEED><TIMECODE_RATE>25/1</TIMECODE_RATE><TIMESTAMP_SAMPLE_RATE>1</TIMESTAMP_SAMPLE_RATE>"
+          "<TIMESTAMP_SAMPLES_SINCE_MIDNIGHT_HI>0</TIMESTAMP_SAMPLES_SINCE_MIDNIGHT_HI>"
+          "<TIMESTAMP_SAMPLES_SINCE_MIDNIGHT_LO>100</TIMESTAMP_SAMPLES_SINCE_MIDNIGHT_LO></SPEED>";
+    const TakeInfo take = readBytes(WavBuilder().fmt(4, 1, 8).ixml(ixml).dataFrames(7).bytes());
+    EXPECT_EQ(take.duration, 1.75);
+    EXPECT_EQ(take.timecodeIn, "00:01:40:00");
+    EXPECT_EQ(take.timecodeOut, "00:01:41:00");
+}
+
 TEST_F(Takes, aFileThatIsNoWavGivesATakeOfEmptyTexts)
 {
     const TakeInfo take = readBytes("just a text, not a recording");
