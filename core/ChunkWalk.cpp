@@ -61,16 +61,16 @@ void ChunkWalk::skipEmptyChunks()
 {
     constexpr std::size_t kWords = 8;
     constexpr std::size_t kStride = kWords * kHeaderBytes;
-    const uint64_t blockEnd = blockBegin + blockSize;
-    if (position < blockBegin || position > blockEnd)
+    const Block& block = later.holds(position, 0) ? later : head;
+    if (!block.holds(position, 0))
         return;
-    const char* at = block.get() + (position - blockBegin);
-    const char* const end = block.get() + blockSize;
+    const char* at = block.bytes.get() + (position - block.begin);
+    const char* const end = block.bytes.get() + block.size;
     while (end - at >= static_cast<std::ptrdiff_t>(kStride) && isZero(at, kWords))
         at += kStride;
     while (end - at >= static_cast<std::ptrdiff_t>(kHeaderBytes) && isZero(at, 1))
         at += kHeaderBytes;
-    position = blockEnd - static_cast<uint64_t>(end - at);
+    position = block.end() - static_cast<uint64_t>(end - at);
 }
 
 std::size_t ChunkWalk::read(std::istream& stream, uint64_t offset, char* target, std::size_t count)
@@ -78,9 +78,8 @@ std::size_t ChunkWalk::read(std::istream& stream, uint64_t offset, char* target,
     if (!stream)
         return 0;
     if (available(offset, count) == count) {
-        fill(stream, offset, count);
-        if (offset >= blockBegin && offset - blockBegin + count <= blockSize) {
-            std::memcpy(target, block.get() + (offset - blockBegin), count);
+        if (const Block* block = blockWith(stream, offset, count)) {
+            std::memcpy(target, block->bytes.get() + (offset - block->begin), count);
             return count;
         }
     }
@@ -94,27 +93,41 @@ uint64_t ChunkWalk::available(uint64_t offset, uint64_t count) const
     return offset < fileEnd ? std::min(count, fileEnd - offset) : 0;
 }
 
-// Makes the block hold `count` bytes from `offset` on, if they are few enough for a block.
-void ChunkWalk::fill(std::istream& stream, uint64_t offset, std::size_t count)
+// A block that holds `count` bytes from `offset` on, read if need be. Null if they are too many for a block or did not
+// arrive whole.
+const ChunkWalk::Block* ChunkWalk::blockWith(std::istream& stream, uint64_t offset, std::size_t count)
 {
-    const uint64_t blockEnd = blockBegin + blockSize;
-    if (offset >= blockBegin && offset + count <= blockEnd)
-        return;
-    const bool close = blockSize != 0 && offset >= blockBegin && offset <= blockEnd;
-    std::size_t wanted = blockCapacity == 0 ? kFirstBlockBytes : kSmallBlockBytes;
-    if (close)
-        wanted = std::clamp(blockSize * 2, kSmallBlockBytes, kLargeBlockBytes);
+    if (head.holds(offset, count))
+        return &head;
+    if (later.holds(offset, count))
+        return &later;
+    const std::size_t wanted = blockBytesAt(offset);
     if (count > wanted)
-        return;
-    wanted = static_cast<std::size_t>(available(offset, wanted));
-    if (wanted > blockCapacity) {
-        block = std::make_unique_for_overwrite<char[]>(wanted);
-        blockCapacity = wanted;
+        return nullptr;
+    Block& block = head.capacity == 0 ? head : later;
+    block.load(stream, offset, static_cast<std::size_t>(available(offset, wanted)));
+    return block.holds(offset, count) ? &block : nullptr;
+}
+
+std::size_t ChunkWalk::blockBytesAt(uint64_t offset) const
+{
+    if (head.capacity == 0)
+        return kFirstBlockBytes;
+    const Block& last = later.size != 0 ? later : head;
+    const bool close = last.size != 0 && last.holds(offset, 0);
+    return close ? std::clamp(last.size * 2, kSmallBlockBytes, kLargeBlockBytes) : kSmallBlockBytes;
+}
+
+void ChunkWalk::Block::load(std::istream& stream, uint64_t offset, std::size_t count)
+{
+    if (count > capacity) {
+        bytes = std::make_unique_for_overwrite<char[]>(count);
+        capacity = count;
     }
     stream.seekg(static_cast<std::streamoff>(offset));
-    stream.read(block.get(), static_cast<std::streamsize>(wanted));
-    blockBegin = offset;
-    blockSize = stream.bad() ? 0 : static_cast<std::size_t>(stream.gcount());
+    stream.read(bytes.get(), static_cast<std::streamsize>(count));
+    begin = offset;
+    size = stream.bad() ? 0 : static_cast<std::size_t>(stream.gcount());
 }
 
 uint16_t littleEndian16(const char* bytes)

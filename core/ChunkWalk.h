@@ -47,15 +47,25 @@ public:
     uint64_t available(uint64_t offset, uint64_t count) const;
 
 private:
-    void fill(std::istream& stream, uint64_t offset, std::size_t count);
+    struct Block {
+        std::unique_ptr<char[]> bytes;
+        std::size_t capacity = 0;
+        uint64_t begin = 0;
+        std::size_t size = 0; // Bytes that hold the file from `begin` on.
+
+        uint64_t end() const { return begin + size; }
+        bool holds(uint64_t offset, uint64_t count) const { return offset >= begin && offset + count <= end(); }
+        void load(std::istream& stream, uint64_t offset, std::size_t count);
+    };
+
+    const Block* blockWith(std::istream& stream, uint64_t offset, std::size_t count);
+    std::size_t blockBytesAt(uint64_t offset) const;
     void skipEmptyChunks();
 
     uint64_t fileEnd = 0;
     uint64_t position = kFirstChunk;
-    std::unique_ptr<char[]> block;
-    std::size_t blockCapacity = 0;
-    uint64_t blockBegin = 0;
-    std::size_t blockSize = 0; // Bytes of `block` that hold the file from blockBegin on.
+    Block head; // The first bytes that were read. They are kept, since most of what is wanted later stands there.
+    Block later; // Whatever was read last behind them.
 };
 
 /// Little-endian numbers out of raw bytes.
