@@ -24,6 +24,7 @@ using Mark = IxmlTags::Mark;
 
 constexpr uint64_t kMaxTimeReference = 20'000'000'000;
 constexpr std::size_t kPieceBytes = 64 * 1024; // Of a chunk, read at once.
+constexpr std::size_t kCacheLineBytes = 64;
 constexpr std::size_t kSliceBytes = 4 * 1024; // Padding is told in these.
 constexpr double kPullDenominator = 1001.0;
 constexpr double kPullFactor = 1.001;
@@ -284,17 +285,24 @@ private:
     std::size_t padded = 0; // Bytes of `padding` that stand behind `text`.
 };
 
+struct alignas(kCacheLineBytes) CacheLine {
+    char bytes[kCacheLineBytes];
+};
+
 // The chunk's text as far as the file holds it, less the padding at its end.
 std::string readUnpadded(std::istream& stream, const ChunkMap::Chunk& chunk, ChunkMap& chunks)
 {
     uint64_t at = chunk.position;
     uint64_t left = chunks.available(at, chunk.size);
-    const auto piece = std::make_unique_for_overwrite<char[]>(std::min<uint64_t>(left, kPieceBytes));
+    // The pieces stand to the cache lines as they stand in the file: copies between like places are the fastest.
+    const uint64_t lines = std::min<uint64_t>(left, kPieceBytes) / kCacheLineBytes + 2;
+    const auto room = std::make_unique_for_overwrite<CacheLine[]>(lines);
+    char* const piece = reinterpret_cast<char*>(room.get()) + at % kCacheLineBytes;
     UnpaddedText result;
     while (left > 0) {
         const auto wanted = static_cast<std::size_t>(std::min<uint64_t>(left, kPieceBytes));
-        const std::size_t arrived = chunks.read(stream, at, piece.get(), wanted);
-        const std::string_view bytes(piece.get(), arrived);
+        const std::size_t arrived = chunks.read(stream, at, piece, wanted);
+        const std::string_view bytes(piece, arrived);
         for (std::size_t slice = 0; slice < arrived; slice += kSliceBytes)
             result.add(bytes.substr(slice, kSliceBytes));
         if (arrived < wanted)
