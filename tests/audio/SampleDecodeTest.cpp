@@ -56,13 +56,20 @@ TEST(SampleDecode, wideWayTakesAllButFewerThanEightSamplesWhereTheProcessorHasIt
 #else
     const bool available = decodeWide24(randomBytes(24, 5).data(), 8, std::vector<float>(8).data()) != 0;
 #endif
-    const std::vector<uint8_t> in = randomBytes(3 * 40, 5);
-    for (int64_t samples = 0; samples <= 40; ++samples) {
-        std::vector<float> out(40, -99.0f);
-        const int64_t done = decodeWide24(in.data(), samples, out.data());
-        EXPECT_EQ(done, available ? samples - samples % 8 : 0);
-        for (size_t i = static_cast<size_t>(done); i < out.size(); ++i)
-            ASSERT_EQ(out[i], -99.0f) << "wrote behind its last sample";
+    const std::vector<uint8_t> in = randomBytes(3 * 80, 5);
+    for (size_t place = 0; place < 8; ++place) {
+        for (int64_t samples = 0; samples <= 80; ++samples) {
+            std::vector<float> out(96, -99.0f);
+            const int64_t done = decodeWide24(in.data(), samples, out.data() + place);
+            EXPECT_LE(done, samples);
+            EXPECT_GT(done, available ? samples - 8 : -1);
+            for (size_t i = 0; i < static_cast<size_t>(done); ++i)
+                ASSERT_EQ(out[place + i], decodeSample(in.data() + 3 * i, kFormatInteger, 24)) << i;
+            for (size_t i = 0; i < out.size(); ++i) {
+                const bool inside = i >= place && i < place + static_cast<size_t>(done);
+                ASSERT_TRUE(inside || out[i] == -99.0f) << "wrote outside its samples";
+            }
+        }
     }
 }
 
