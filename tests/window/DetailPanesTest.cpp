@@ -419,7 +419,7 @@ TEST_F(DetailPanes, tabWalksThroughTheControlsInReadingOrder)
     add("a.wav", full());
     window->show();
     select({ 0 });
-    QApplication::setActiveWindow(window.get());
+    window->activateWindow();
     table()->setFocus();
     std::vector<std::string> visited;
     for (int i = 0; i < 15; ++i) {
