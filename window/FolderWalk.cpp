@@ -93,6 +93,9 @@ private:
 
 QStringList wavFilesUnder(const QString& dir)
 {
+    // With a "/" behind it no name at all would mean the root.
+    if (dir.isEmpty())
+        return {};
     Walk walk;
     walk.visit(dir.endsWith(u'/') ? dir : dir + u'/');
     if (walk.needsFullSort)

@@ -27,7 +27,10 @@ constexpr int kStartHeight = 800;
 constexpr int kSplitterHandleWidth = 6;
 constexpr int kPlayColumnWidth = 40;
 constexpr int kSmallestColumnWidth = 24;
-constexpr int kPlayButtonsAtOnce = 100;
+constexpr int kFewestPlayButtonsAtOnce = 100;
+/// Qt lays out and looks through all buttons after each round, so rounds of one size would cost time by the square of
+/// the rows. Rounds by a part of what is there keep it in proportion.
+constexpr int kPartOfPlayButtonsAtOnce = 16;
 
 constexpr std::array<const char*, kFileColumnCount> kFileHeaders{ "", "File Name", "File Size", "Channels", "TAPEID",
     "SCENE", "TAKE", "START TC", "LENGTH", "DATE", "CIRCLED", "SAMPLE RATE", "FRAME RATE", "Notes" };
@@ -201,11 +204,17 @@ void MetadataManagerWindow::attachWaitingPlayButtons()
 {
     // A styled button takes ten times as long as reading its file. The first rows get theirs at once, the others while
     // the window is idle, so that thousands of files are there to be worked on long before the last button is.
-    const int end = std::min(fileTable->rowCount(), rowsWithPlayButton + kPlayButtonsAtOnce);
+    const int round = std::max(kFewestPlayButtonsAtOnce, rowsWithPlayButton / kPartOfPlayButtonsAtOnce);
+    const int end = std::min(fileTable->rowCount(), rowsWithPlayButton + round);
     for (; rowsWithPlayButton < end; ++rowsWithPlayButton)
         attachPlayButton(rowsWithPlayButton);
-    if (rowsWithPlayButton < fileTable->rowCount())
-        QTimer::singleShot(0, this, &MetadataManagerWindow::attachWaitingPlayButtons);
+    if (rowsWithPlayButton >= fileTable->rowCount() || playButtonRoundIsDue)
+        return;
+    playButtonRoundIsDue = true;
+    QTimer::singleShot(0, this, [this] {
+        playButtonRoundIsDue = false;
+        attachWaitingPlayButtons();
+    });
 }
 
 void MetadataManagerWindow::fillFileRow(int row)

@@ -2,6 +2,7 @@
 
 #include "core/BwfMetadata.h"
 
+#include <QIcon>
 #include <QList>
 #include <QMainWindow>
 #include <QSet>
@@ -203,5 +204,7 @@ private:
 
     QSet<QString> listedPaths; ///< The entries of `filePaths`, so that duplicates are found without a search.
     int rowsWithPlayButton = 0; ///< The rows above this one have their play button, the others wait for it.
+    bool playButtonRoundIsDue = false; ///< The next ones come with a turn of the event loop, however many files follow.
+    QIcon playIcon; ///< Shared by all play buttons; drawn for the first one.
     std::optional<QList<int>> rowsOfFill; ///< Selected rows while the panes are filled, worked out once for all fields.
 };

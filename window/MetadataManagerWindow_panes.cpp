@@ -2,6 +2,7 @@
 
 #include "app/ConfigManager.h"
 #include "app/Theme.h"
+#include "window/FileDragFilter.h"
 #include "window/FileTableColumns.h"
 #include "window/MetadataTexts.h"
 #include "window/WidgetHelpers.h"
@@ -100,8 +101,10 @@ void MetadataManagerWindow::buildGeneralPane()
     currentFileLabel = addValueRow(generalForm, "Current File:", "currentFileLabel");
     channelsLabel = addValueRow(generalForm, "Channels:", "channelsLabel");
 
-    const auto addLine = [this](const char* title, const char* name) {
+    auto* const dragFilter = new FileDragFilter(generalGroup);
+    const auto addLine = [this, dragFilter](const char* title, const char* name) {
         auto* edit = named(name, new QLineEdit);
+        edit->installEventFilter(dragFilter);
         connect(edit, &QLineEdit::textChanged, this, &MetadataManagerWindow::onMetadataChanged);
         generalForm->addRow(QLatin1String(title), edit);
         return edit;
@@ -123,6 +126,9 @@ void MetadataManagerWindow::buildGeneralPane()
     notesEdit->setMaximumHeight(kNotesMaximumHeight);
     // Tab goes on to the next control, as everywhere in the panes.
     notesEdit->setTabChangesFocus(true);
+    // Files hold plain text only; what is pasted shall not look as if they held more.
+    notesEdit->setAcceptRichText(false);
+    notesEdit->viewport()->installEventFilter(dragFilter);
     connect(notesEdit, &QTextEdit::textChanged, this, &MetadataManagerWindow::onMetadataChanged);
     generalForm->addRow(QStringLiteral("Notes:"), notesEdit);
 }

@@ -24,7 +24,7 @@ constexpr QSize kPlayButtonSize(28, 24);
 constexpr char kPlayColour[] = "#1a7f37";
 constexpr std::array kTriangle{ QPoint(5, 3), QPoint(5, 15), QPoint(15, 9) };
 
-QIcon playIcon()
+QIcon drawPlayIcon()
 {
     QPixmap pixmap(kIconSize, kIconSize);
     pixmap.fill(Qt::transparent);
@@ -37,11 +37,11 @@ QIcon playIcon()
     return QIcon(pixmap);
 }
 
-QToolButton* makePlayButton(QWidget* parent)
+QToolButton* makePlayButton(const QIcon& icon, QWidget* parent)
 {
     auto* button = new QToolButton(parent);
     button->setObjectName(QStringLiteral("playButton"));
-    button->setIcon(playIcon());
+    button->setIcon(icon);
     button->setIconSize(QSize(kIconSize, kIconSize));
     button->setText(QString());
     button->setToolTip(QStringLiteral("Play this file with a track mixer"));
@@ -58,7 +58,10 @@ QToolButton* makePlayButton(QWidget* parent)
 
 void MetadataManagerWindow::attachPlayButton(int row)
 {
-    QToolButton* const button = makePlayButton(fileTable);
+    if (playIcon.isNull())
+        playIcon = drawPlayIcon();
+    // In its place within the table from the start: a new parent would make it work out its style sheet again.
+    QToolButton* const button = makePlayButton(playIcon, fileTable->viewport());
     // The button is looked up at each click, since its row number changes when rows above it go.
     connect(button, &QToolButton::clicked, this, [this, button] {
         for (int each = 0; each < fileTable->rowCount(); ++each) {
@@ -71,7 +74,6 @@ void MetadataManagerWindow::attachPlayButton(int row)
     // The button goes to its place before the table shows it. Shown in the corner first, each of thousands would be due
     // for painting, and each paint looks through all the others. (visualRect would lay the table out for each one.)
     const int column = indexOf(FileColumn::Play);
-    button->setParent(fileTable->viewport());
     button->move(fileTable->columnViewportPosition(column), fileTable->rowViewportPosition(row));
     fileTable->setCellWidget(row, column, button);
 }

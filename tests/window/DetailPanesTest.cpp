@@ -1,12 +1,15 @@
+#include "tests/window/ModalHands.h"
 #include "tests/window/WindowFixture.h"
 
 #include <QAccessible>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QTest>
 #include <QTextEdit>
 
@@ -105,6 +108,23 @@ TEST_F(DetailPanes, startEmpty)
     EXPECT_EQ(notes(), "");
     EXPECT_FALSE(checked("circledCheck"));
     EXPECT_FALSE(checked("wildTrackCheck"));
+}
+
+TEST_F(DetailPanes, withoutASelectionEverythingIsEmptyAgain)
+{
+    add("a.wav", full());
+    select({ 0 });
+    table()->clearSelection();
+    expectNoFile({ text("currentFileLabel"), text("channelsLabel"), text("sampleRateLabel"), text("tcSampleRateLabel"),
+        text("frameRateLabel"), text("timecodeButton"), text("lengthLabel"), text("samplesSinceMidnightLabel"),
+        text("userBitsLabel"), text("bitDepthLabel") });
+    for (const char* edit : { "sceneEdit", "takeEdit", "projectEdit", "tapeIdEdit" })
+        EXPECT_EQ(text(edit), "") << edit;
+    EXPECT_EQ(notes(), "");
+    EXPECT_FALSE(checked("circledCheck"));
+    EXPECT_FALSE(checked("wildTrackCheck"));
+    EXPECT_EQ(tracks()->rowCount(), 0);
+    EXPECT_FALSE(enabled("saveButton"));
 }
 
 TEST_F(DetailPanes, oneFileIsShownInFull)
@@ -223,6 +243,39 @@ TEST_F(DetailPanes, severalFilesShowTheMarkWhereTheyDiffer)
     EXPECT_FALSE(checked("wildTrackCheck"));
 }
 
+TEST_F(DetailPanes, severalFilesThatSayNothingShareZerosAndMarks)
+{
+    writeBytes(folder.file("a.wav"), "");
+    writeBytes(folder.file("b.wav"), "");
+    window->addFiles({ path("a.wav"), path("b.wav") });
+    select({ 0, 1 });
+    EXPECT_EQ(text("channelsLabel"), "0");
+    EXPECT_EQ(text("sampleRateLabel"), "0 Hz");
+    EXPECT_EQ(text("tcSampleRateLabel"), kMark);
+    EXPECT_EQ(text("frameRateLabel"), kMark);
+    for (const char* edit : { "sceneEdit", "projectEdit", "tapeIdEdit" })
+        EXPECT_EQ(text(edit), "") << edit;
+    EXPECT_EQ(notes(), "");
+    EXPECT_FALSE(checked("circledCheck"));
+    EXPECT_FALSE(checked("wildTrackCheck"));
+}
+
+TEST_F(DetailPanes, eachFlagHasItsOwnBox)
+{
+    add("a.wav", { .circled = true });
+    add("b.wav", { .circled = true, .wildTrack = true });
+    add("c.wav", { .wildTrack = true });
+    select({ 0 });
+    EXPECT_TRUE(checked("circledCheck"));
+    EXPECT_FALSE(checked("wildTrackCheck"));
+    select({ 0, 1 });
+    EXPECT_TRUE(checked("circledCheck"));
+    EXPECT_FALSE(checked("wildTrackCheck"));
+    select({ 1, 2 });
+    EXPECT_FALSE(checked("circledCheck"));
+    EXPECT_TRUE(checked("wildTrackCheck"));
+}
+
 TEST_F(DetailPanes, threeScenesAreSharedOnlyIfAllAgree)
 {
     add("a.wav", { .scene = "12" });
@@ -293,6 +346,56 @@ TEST_F(DetailPanes, commonValueOfNothingIsTheMark)
     select({ 0 });
     EXPECT_EQ(window->getCommonValue("scene", scene).toStdString(), "1");
     EXPECT_TRUE(window->getCommonBool("circled", circled));
+}
+
+TEST_F(DetailPanes, trackTableIsEmptyForSeveralFiles)
+{
+    add("a.wav", full());
+    add("b.wav", full());
+    select({ 0 });
+    ASSERT_EQ(tracks()->rowCount(), 2);
+    select({ 0, 1 });
+    EXPECT_EQ(tracks()->rowCount(), 0);
+}
+
+TEST_F(DetailPanes, interleaveCountsTheTracksAndChannelIsWhatTheFileSays)
+{
+    WavBuilder()
+        .fmt(48000, 2, 24)
+        .ixml(
+            "<BWFXML><TRACK_LIST><TRACK><CHANNEL_INDEX>7</CHANNEL_INDEX><NAME>Boom</NAME><FUNCTION>M</FUNCTION></TRACK>"
+            "<TRACK><CHANNEL_INDEX>3</CHANNEL_INDEX><NAME>Lav</NAME><FUNCTION>S</FUNCTION></TRACK></TRACK_LIST></"
+            "BWFXML>")
+        .dataFrames(10)
+        .write(folder.file("a.wav"));
+    window->addFiles({ path("a.wav") });
+    select({ 0 });
+    ASSERT_EQ(tracks()->rowCount(), 2);
+    const std::vector<std::vector<std::string>> wanted{ { "1", "7", "Boom", "M" }, { "2", "3", "Lav", "S" } };
+    for (int row = 0; row < 2; ++row) {
+        for (int column = 0; column < kTrackColumnCount; ++column)
+            EXPECT_EQ(trackCell(row, static_cast<TrackColumn>(column)),
+                wanted[static_cast<size_t>(row)][static_cast<size_t>(column)])
+                << row << ' ' << column;
+    }
+}
+
+TEST_F(DetailPanes, selectingAFileWithTheSameTracksTouchesNothing)
+{
+    Recording recording;
+    recording.trackNames = { "Boom", "Lav" };
+    recording.file().write(folder.file("a.wav"));
+    recording.file().write(folder.file("b.wav"));
+    window->addFiles({ path("a.wav"), path("b.wav") });
+    select({ 0 });
+    {
+        const ModalHands confirms; // Nothing counts as touched after a save.
+        press("saveButton");
+    }
+    ASSERT_FALSE(enabled("saveButton"));
+    select({ 1 });
+    EXPECT_EQ(text("currentFileLabel"), "b.wav");
+    EXPECT_FALSE(enabled("saveButton"));
 }
 
 TEST_F(DetailPanes, trackTableShowsTheTracksOfOneFile)
@@ -397,6 +500,18 @@ TEST_F(DetailPanes, everyEditorOffersSaving)
     EXPECT_TRUE(enabled("saveButton"));
 }
 
+TEST_F(DetailPanes, notesTakeTextWithoutItsLooks)
+{
+    auto* copied = new QMimeData;
+    copied->setHtml(QStringLiteral("<b>plane</b>"));
+    copied->setText(QStringLiteral("plane"));
+    QApplication::clipboard()->setMimeData(copied);
+    auto* edit = widget<QTextEdit>("notesEdit");
+    edit->paste();
+    EXPECT_EQ(notes(), "plane");
+    EXPECT_LT(edit->textCursor().charFormat().fontWeight(), QFont::Bold);
+}
+
 TEST_F(DetailPanes, editedTrackNameOffersSaving)
 {
     writeBytes(folder.file("a.wav"), "");
@@ -420,6 +535,7 @@ TEST_F(DetailPanes, tabWalksThroughTheControlsInReadingOrder)
     window->show();
     select({ 0 });
     window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     table()->setFocus();
     std::vector<std::string> visited;
     for (int i = 0; i < 15; ++i) {

@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QSplitter>
 #include <QTest>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -164,6 +165,12 @@ TEST_F(FileTable, samePathTwiceGivesOneRow)
     EXPECT_EQ(table()->rowCount(), 1);
 }
 
+TEST_F(FileTable, pathsOfOneFileThatAreWrittenDifferentlyAreTwoRows)
+{
+    window->addFiles({ write("a.wav", {}), path("./a.wav") });
+    EXPECT_EQ(column(FileColumn::FileName), (std::vector<std::string>{ "a.wav", "a.wav" }));
+}
+
 TEST_F(FileTable, pathsThatDifferInCaseAreTwoFiles)
 {
     window->openFiles({ write("a.wav", {}), write("A.wav", {}) });
@@ -206,10 +213,12 @@ TEST_F(FileTable, addingNothingNewFitsTheColumnsToo)
 {
     add("a.wav", {});
     table()->setColumnWidth(0, 90);
-    table()->setColumnWidth(1, 777);
+    for (int column = 1; column < kFileColumnCount - 1; ++column)
+        table()->setColumnWidth(column, 777);
     window->addFiles({ path("a.wav") });
     EXPECT_EQ(table()->columnWidth(0), 40);
-    EXPECT_NE(table()->columnWidth(1), 777);
+    for (int column = 1; column < kFileColumnCount - 1; ++column)
+        EXPECT_LT(table()->columnWidth(column), 400) << column;
 }
 
 TEST_F(FileTable, pathThatCannotBeSizedThrowsAfterTheFilesBeforeItHaveTheirRows)
@@ -245,45 +254,115 @@ TEST_F(FileTable, clickOnAHeaderDoesNotSort)
     EXPECT_EQ(column(FileColumn::FileName), (std::vector<std::string>{ "b.wav", "a.wav" }));
 }
 
-TEST_F(FileTable, everyRowGetsAPlayButton)
-{
-    constexpr int kRows = 250; // More than get theirs at once.
-    QList<QString> paths;
-    for (int i = 0; i < kRows; ++i) {
-        const std::string name = "t" + std::to_string(i) + ".wav";
-        writeBytes(folder.file(name), "");
-        paths.append(path(name));
+/// More rows than get their play buttons at once, so that some wait for the window to be idle.
+class WaitingPlayButtons : public WindowFixture {
+protected:
+    /// Adds `count` empty files, named by numbers from `first` on.
+    void addMany(int count, int first = 0)
+    {
+        QList<QString> paths;
+        for (int i = first; i < first + count; ++i) {
+            const std::string name = "t" + std::to_string(i) + ".wav";
+            writeBytes(folder.file(name), "");
+            paths.append(path(name));
+        }
+        window->addFiles(paths);
     }
-    window->addFiles(paths);
-    const auto withButton = [this] {
+
+    QWidget* button(int row) const { return table()->cellWidget(row, indexOf(FileColumn::Play)); }
+
+    int rowsWithButton() const
+    {
         int count = 0;
         for (int row = 0; row < table()->rowCount(); ++row)
-            count += table()->cellWidget(row, 0) != nullptr ? 1 : 0;
+            count += button(row) != nullptr ? 1 : 0;
         return count;
-    };
-    EXPECT_GE(withButton(), 100);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return withButton() == kRows; }));
+    }
+
+    bool allGetOne() const
+    {
+        return QTest::qWaitFor([this] { return rowsWithButton() == table()->rowCount(); });
+    }
+
+    /// No row shares its button with another one, and none is left over from rows that went.
+    bool eachHasItsOwn() const
+    {
+        QSet<QWidget*> seen;
+        for (int row = 0; row < table()->rowCount(); ++row)
+            seen.insert(button(row));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return seen.size() == table()->rowCount()
+            && seen.size() == table()->findChildren<QToolButton*>(QStringLiteral("playButton")).size();
+    }
+};
+
+TEST_F(WaitingPlayButtons, everyRowGetsItsOwnInTheEnd)
+{
+    addMany(350);
+    EXPECT_GE(rowsWithButton(), 100);
+    EXPECT_LT(rowsWithButton(), 350);
+    EXPECT_TRUE(allGetOne());
+    EXPECT_TRUE(eachHasItsOwn());
 }
 
-TEST_F(FileTable, rowsThatFollowARemovalGetTheirPlayButtonsToo)
+TEST_F(WaitingPlayButtons, rowsAddedMeanwhileGetTheirsToo)
 {
-    QList<QString> paths;
-    for (int i = 0; i < 150; ++i) {
-        const std::string name = "t" + std::to_string(i) + ".wav";
-        writeBytes(folder.file(name), "");
-        paths.append(path(name));
-    }
-    window->addFiles(paths);
-    select({ 0, 1, 2, 120 });
+    for (int i = 0; i < 5; ++i)
+        addMany(110, i * 110);
+    EXPECT_LT(rowsWithButton(), 550);
+    EXPECT_TRUE(allGetOne());
+    EXPECT_TRUE(eachHasItsOwn());
+}
+
+TEST_F(WaitingPlayButtons, removedRowsLeaveTheOthersTheirs)
+{
+    addMany(350);
+    QWidget* const kept = button(90);
+    select({ 0, 1, 2, 340 });
     press("removeFileButton");
-    EXPECT_TRUE(QTest::qWaitFor([this] {
-        for (int row = 0; row < table()->rowCount(); ++row) {
-            if (table()->cellWidget(row, 0) == nullptr)
-                return false;
-        }
-        return true;
-    }));
-    EXPECT_EQ(table()->rowCount(), 146);
+    EXPECT_EQ(button(87), kept);
+    EXPECT_TRUE(allGetOne());
+    EXPECT_TRUE(eachHasItsOwn());
+    EXPECT_EQ(button(87), kept);
+}
+
+TEST_F(WaitingPlayButtons, scatteredRowsRemovedLeaveTheOthersTheirs)
+{
+    addMany(350);
+    std::vector<int> odd;
+    QList<QWidget*> kept;
+    for (int row = 0; row < 350; ++row) {
+        if (row % 2 == 1)
+            odd.push_back(row);
+        else if (button(row) != nullptr)
+            kept.append(button(row));
+    }
+    select(odd);
+    press("removeFileButton");
+    EXPECT_TRUE(allGetOne());
+    EXPECT_TRUE(eachHasItsOwn());
+    for (int row = 0; row < kept.size(); ++row)
+        ASSERT_EQ(button(row), kept.at(row)) << row;
+    EXPECT_EQ(cell(100, FileColumn::FileName), "t200.wav");
+}
+
+TEST_F(WaitingPlayButtons, clearedRowsAreNotWaitedFor)
+{
+    addMany(350);
+    press("clearButton");
+    EXPECT_EQ(table()->rowCount(), 0);
+    addMany(120);
+    EXPECT_TRUE(allGetOne());
+    EXPECT_EQ(table()->rowCount(), 120);
+    EXPECT_TRUE(eachHasItsOwn());
+}
+
+TEST_F(WaitingPlayButtons, windowMayGoMeanwhile)
+{
+    addMany(350);
+    window.reset();
+    QCoreApplication::processEvents();
+    SUCCEED();
 }
 
 class Painted : public WindowFixture {

@@ -10,6 +10,7 @@
 #include <QMimeData>
 #include <QPointer>
 #include <QTest>
+#include <QTextEdit>
 #include <QTimer>
 #include <QUrl>
 
@@ -98,6 +99,16 @@ protected:
         QApplication::sendEvent(window.get(), &event);
     }
 
+    /// Drags a file over a child of the window, as file managers hand it over, and drops it there.
+    static void dropOn(QWidget* under, const QString& file)
+    {
+        const std::unique_ptr<QMimeData> data(mimeOf({ file }));
+        data->setText(file);
+        EXPECT_TRUE(enter(under, data.get()));
+        QDropEvent event(QPointF(5, 5), Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(under, &event);
+    }
+
     std::string remembered() const
     {
         return ConfigManager::getInstance().getString("metadataManager.lastDir", "(none)");
@@ -182,6 +193,25 @@ TEST_F(FilesInAndOut, namesThatAreNoUtf8ArePassedOver)
     EXPECT_EQ(window->collectWavFilesInDirectory(path("")), (QList<QString>{ path("a.wav") }));
 }
 
+TEST_F(FilesInAndOut, walkOfWhatIsNoFolderFindsNothing)
+{
+    EXPECT_TRUE(window->collectWavFilesInDirectory(path("missing")).isEmpty());
+    EXPECT_TRUE(window->collectWavFilesInDirectory(touch("a.wav")).isEmpty());
+    EXPECT_TRUE(window->collectWavFilesInDirectory({}).isEmpty()) << "neither the root nor the current folder";
+}
+
+TEST_F(FilesInAndOut, folderReachedByALinkIsWalkedIfItIsGivenItself)
+{
+    touch("real/a.wav");
+    std::filesystem::create_directory_symlink(folder.file("real"), folder.file("link"));
+    EXPECT_EQ(window->collectWavFilesFromPaths({ path("link") }), (QList<QString>{ path("link/a.wav") }));
+}
+
+TEST_F(FilesInAndOut, hiddenFileIsTakenIfItIsGivenItself)
+{
+    EXPECT_EQ(window->collectWavFilesFromPaths({ touch(".a.wav") }), (QList<QString>{ path(".a.wav") }));
+}
+
 TEST_F(FilesInAndOut, aPathIsCollectedOnceInOrderOfFirstAppearance)
 {
     touch("day/b.wav");
@@ -256,6 +286,30 @@ TEST_F(FilesInAndOut, dragOverTheFileTableReachesTheWindow)
     EXPECT_EQ(names(), (std::vector<std::string>{ "a.wav" }));
 }
 
+TEST_F(FilesInAndOut, dragOfFilesOverTheEditorsReachesTheWindow)
+{
+    window->show();
+    QStringList files;
+    for (const char* editor : { "sceneEdit", "takeEdit", "projectEdit", "tapeIdEdit" }) {
+        files.append(touch(std::string(editor) + ".wav"));
+        dropOn(widget<QWidget>(editor), files.last());
+        EXPECT_EQ(text(editor), "");
+    }
+    files.append(touch("notesEdit.wav"));
+    dropOn(widget<QTextEdit>("notesEdit")->viewport(), files.last());
+    EXPECT_EQ(widget<QTextEdit>("notesEdit")->toPlainText(), QString());
+    EXPECT_EQ(table()->rowCount(), files.size());
+}
+
+TEST_F(FilesInAndOut, dragOfTextStaysWithTheEditors)
+{
+    window->show();
+    QMimeData data;
+    data.setText(QStringLiteral("plane"));
+    EXPECT_TRUE(enter(widget<QWidget>("sceneEdit"), &data));
+    EXPECT_TRUE(enter(widget<QTextEdit>("notesEdit")->viewport(), &data));
+}
+
 TEST_F(FilesInAndOut, dropRemembersTheFolderOfTheFirstWav)
 {
     touch("day/one/a.wav");
@@ -325,6 +379,15 @@ TEST_F(FilesInAndOut, pickedFolderWithoutWavIsRememberedAndTold)
     EXPECT_EQ(remembered(), path("day").toStdString());
 }
 
+TEST_F(FilesInAndOut, pickedFolderIsRememberedItselfAndNotThatOfTheFilesInIt)
+{
+    touch("day/roll/a.wav");
+    panel.picked = { path("day") };
+    press("addButton");
+    EXPECT_EQ(table()->rowCount(), 1);
+    EXPECT_EQ(remembered(), folder.file("day"));
+}
+
 TEST_F(FilesInAndOut, pickedFileRemembersItsFolder)
 {
     panel.picked = { touch("day/a.wav"), touch("other/b.wav") };
@@ -356,6 +419,24 @@ TEST_F(FilesInAndOut, openedFilesRememberTheFolderOfTheFirst)
 {
     window->openFiles({ touch("one/a.wav"), touch("two/b.wav") });
     EXPECT_EQ(remembered(), folder.file("one"));
+}
+
+TEST_F(FilesInAndOut, openedFolderIsRememberedItself)
+{
+    touch("day/a.wav");
+    // A folder has no size to read; it is remembered before that is found out.
+    EXPECT_THROW(window->openFiles({ path("day") }), std::filesystem::filesystem_error);
+    EXPECT_EQ(remembered(), folder.file("day"));
+    EXPECT_EQ(table()->rowCount(), 0);
+}
+
+TEST_F(FilesInAndOut, panelStartsInTheFolderOfThisRunWhateverTheSettingsSay)
+{
+    touch("one/a.wav");
+    touch("two/a.wav");
+    window->rememberDirectory(path("one"));
+    ConfigManager::getInstance().setString("metadataManager.lastDir", folder.file("two"));
+    EXPECT_EQ(window->startingDirectory(), path("one"));
 }
 
 TEST_F(FilesInAndOut, panelStartsNowhereIfNothingIsRemembered)
@@ -530,6 +611,17 @@ TEST_F(Removing, clearEmptiesListAndPanesWithoutAQuestion)
     EXPECT_FALSE(enabled("removeFileButton"));
     window->addFiles({ path("t0.wav") });
     EXPECT_EQ(names(), (std::vector<std::string>{ "t0.wav" }));
+}
+
+TEST_F(Removing, clearDropsUnsavedEditsWithoutAQuestion)
+{
+    select({ 0 });
+    widget<QLineEdit>("sceneEdit")->setText("edited");
+    press("clearButton");
+    window->addFiles({ touch("empty.wav") });
+    select({ 0 });
+    EXPECT_EQ(text("currentFileLabel"), "empty.wav");
+    EXPECT_FALSE(enabled("saveButton"));
 }
 
 TEST_F(Removing, clearOfASelectionOfSeveralLeavesTheTakeDisabled)

@@ -5,6 +5,8 @@
 #include <QSplitterHandle>
 #include <QTest>
 
+#include <limits>
+
 namespace {
 
 class Splitters : public WindowFixture {
@@ -114,6 +116,48 @@ TEST_F(Splitters, eachMoveOfAHandleRewritesTheSettingsFile)
     EXPECT_LT(details()->sizes().at(0), 360);
     EXPECT_NE(settingsFile().find("metadataManager.split.files=300\n"), std::string::npos);
     EXPECT_NE(settingsFile().find("metadataManager.split.details=480\n"), std::string::npos);
+}
+
+TEST_F(Splitters, movesOfTheOuterHandleAreKeptToo)
+{
+    showFitting();
+    QSplitterHandle* handle = files()->handle(1);
+    const QPoint start = handle->rect().center();
+    QTest::mousePress(handle, Qt::LeftButton, {}, start);
+    QTest::mouseMove(handle, start + QPoint(0, 20));
+    QTest::mouseRelease(handle, Qt::LeftButton, {}, start);
+    EXPECT_GT(files()->sizes().at(0), 300);
+    for (int i = 0; i < 2; ++i) {
+        const std::string key = i == 0 ? "files" : "details";
+        const std::string wanted = "metadataManager.split." + key + "=" + std::to_string(files()->sizes().at(i)) + "\n";
+        EXPECT_NE(settingsFile().find(wanted), std::string::npos) << wanted;
+    }
+}
+
+TEST_F(Splitters, keptSizesComeBackInTheNextWindow)
+{
+    showFitting();
+    files()->setSizes({ 320, 460 });
+    details()->setSizes({ 400, 350, 330 });
+    QMetaObject::invokeMethod(window.get(), "persistSplitterSizes");
+    showFitting();
+    EXPECT_EQ(files()->sizes(), (QList<int>{ 320, 460 }));
+    EXPECT_EQ(details()->sizes(), (QList<int>{ 400, 350, 330 }));
+}
+
+TEST_F(Splitters, hugeSizesOfTheSettingsLeaveAllPanesInTheWindow)
+{
+    for (const char* pane : { "files", "details", "general", "recording", "tracks" })
+        store(pane, std::numeric_limits<int>::max());
+    window = std::make_unique<MetadataManagerWindow>();
+    window->show();
+    QCoreApplication::processEvents();
+    for (const QSplitter* each : { files(), details() }) {
+        for (const int size : each->sizes()) {
+            EXPECT_GT(size, 50);
+            EXPECT_LT(size, 1200);
+        }
+    }
 }
 
 TEST_F(Splitters, panesCannotBeDraggedToNothing)
