@@ -151,6 +151,7 @@ void MetadataManagerWindow::buildFileTable()
     fileTable->setShowGrid(false);
     fileTable->setAlternatingRowColors(true);
     fileTable->setStyleSheet(Theme::fileTableStyleSheet());
+    fitFileColumns();
     connect(fileTable, &QTableWidget::itemSelectionChanged, this, &MetadataManagerWindow::onFileSelectionChanged);
 }
 

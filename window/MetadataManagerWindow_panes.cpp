@@ -26,6 +26,9 @@ namespace {
 
 constexpr int kNotesMaximumHeight = 100;
 constexpr std::array<const char*, kTrackColumnCount> kTrackHeaders{ "Interleave", "Channel", "Track Name", "Function" };
+/// Pixels. The last column takes what is left, but never less than it had before; together they fit into a pane of
+/// usual size.
+constexpr std::array<int, kTrackColumnCount> kTrackColumnWidths{ 88, 76, 110, 70 };
 
 /// Where one pane's size in pixels is kept, and what it is when nothing usable is.
 struct PaneSize {
@@ -124,6 +127,8 @@ void MetadataManagerWindow::buildGeneralPane()
 
     notesEdit = named("notesEdit", new QTextEdit);
     notesEdit->setMaximumHeight(kNotesMaximumHeight);
+    // It has all its height already; asking for more would push the rows above apart in a tall pane.
+    notesEdit->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     // Tab goes on to the next control, as everywhere in the panes.
     notesEdit->setTabChangesFocus(true);
     // Files hold plain text only; what is pasted shall not look as if they held more.
@@ -166,6 +171,8 @@ void MetadataManagerWindow::buildTrackPane()
     for (const char* title : kTrackHeaders)
         titles.append(QLatin1String(title));
     trackTable->setHorizontalHeaderLabels(titles);
+    for (int column = 0; column < kTrackColumnCount; ++column)
+        trackTable->setColumnWidth(column, kTrackColumnWidths[static_cast<size_t>(column)]);
     trackTable->horizontalHeader()->setStretchLastSection(true);
     trackTable->verticalHeader()->setVisible(false);
     trackTable->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked);

@@ -348,6 +348,33 @@ TEST_F(DetailPanes, commonValueOfNothingIsTheMark)
     EXPECT_TRUE(window->getCommonBool("circled", circled));
 }
 
+TEST_F(DetailPanes, trackTableFitsIntoItsPane)
+{
+    add("a.wav", full());
+    window->show();
+    QCoreApplication::processEvents();
+    select({ 0 });
+    QCoreApplication::processEvents();
+    EXPECT_EQ(tracks()->horizontalHeader()->length(), tracks()->viewport()->width());
+    for (int column = 0; column < kTrackColumnCount; ++column)
+        EXPECT_GE(tracks()->columnWidth(column), 50) << column;
+}
+
+TEST_F(DetailPanes, rowsOfThePanesStandCloseTogether)
+{
+    window->resize(1200, 1400);
+    window->show();
+    QCoreApplication::processEvents();
+    for (const char* pane : { "generalForm", "recordingForm" }) {
+        auto* form = window->findChild<QFormLayout*>(QString::fromLatin1(pane));
+        for (int row = 0; row < 2; ++row) {
+            const QWidget* label = form->itemAt(row, QFormLayout::LabelRole)->widget();
+            const QWidget* value = form->itemAt(row, QFormLayout::FieldRole)->widget();
+            EXPECT_EQ(label->geometry().center().y(), value->geometry().center().y()) << pane << row;
+        }
+    }
+}
+
 TEST_F(DetailPanes, trackTableIsEmptyForSeveralFiles)
 {
     add("a.wav", full());
