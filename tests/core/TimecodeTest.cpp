@@ -1,13 +1,11 @@
 #include "core/Timecode.h"
 
-#include "tests/support/TempFolder.h"
+#include "tests/support/CommaLocale.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
-#include <clocale>
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 #include <random>
 #include <string>
@@ -42,18 +40,6 @@ std::string textOf(int64_t count, int rate, bool drop)
 std::string playing(uint64_t reference, uint32_t sampleRate, double rate, bool drop, double position)
 {
     return Timecode::fromPlaybackPosition(reference, sampleRate, rate, drop, position).toString();
-}
-
-/// Makes a German locale of its own when the machine has none. False if that needs tools that aren't installed.
-bool setCommaLocale(const TempFolder& folder)
-{
-    if (std::setlocale(LC_ALL, "de_DE.UTF-8"))
-        return true;
-    const std::string make = "localedef -i de_DE -f UTF-8 '" + folder.file("de_DE.UTF-8") + "' >/dev/null 2>&1";
-    if (std::system(make.c_str()) != 0)
-        return false;
-    setenv("LOCPATH", folder.path().c_str(), 1);
-    return std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
 }
 
 bool isTimeOfDay(const Timecode& moment)
@@ -538,14 +524,9 @@ TEST(TimecodeRateTextLimits, theLargestRateIsWrittenInFull)
 
 TEST(TimecodeRateTextLimits, aCommaLocaleChangesNothing)
 {
-    const TempFolder folder;
-    const std::string before = std::setlocale(LC_ALL, nullptr);
-    const bool comma = setCommaLocale(folder);
-    const std::string text = Timecode::formatFrameRate(47.952, false);
-    const char point = *std::localeconv()->decimal_point;
-    std::setlocale(LC_ALL, before.c_str());
-    if (!comma)
+    const CommaLocale comma;
+    if (!comma.works())
         GTEST_SKIP() << "no locale with a decimal comma on this machine";
-    EXPECT_EQ(point, ',');
-    EXPECT_EQ(text, "47.952");
+    EXPECT_EQ(Timecode::formatFrameRate(47.952, false), "47.952");
+    EXPECT_EQ(timecode(1234567, 0, 0, 0, 25, false).toString(), "1234567:00:00:00") << "thousands are not grouped";
 }
