@@ -9,12 +9,13 @@ import time
 
 cmake, build = sys.argv[1:3]
 with tempfile.TemporaryDirectory() as name:
-    prefix = pathlib.Path(name) / "prefix"
+    prefix = pathlib.Path(name).resolve() / "prefix"
     subprocess.run([cmake, "--install", build, "--prefix", str(prefix)], check=True, stdout=subprocess.DEVNULL)
 
     program = prefix / "bin" / "tagwell"
     home = program.resolve().parent
-    assert home != program.parent and (home / "fader.png").is_file(), "no picture beside the program"
+    assert home != program.parent, "the program lies on the path itself"
+    assert list(prefix.rglob("fader.png")) == [home / "fader.png"], "not one picture beside the program"
     for part in ("share/applications/com.brindleaudio.tagwell.desktop",
                  "share/icons/hicolor/scalable/apps/com.brindleaudio.tagwell.svg"):
         assert (prefix / part).is_file(), part
