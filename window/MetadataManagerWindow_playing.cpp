@@ -24,9 +24,11 @@ constexpr QSize kPlayButtonSize(28, 24);
 constexpr char kPlayColour[] = "#1a7f37";
 constexpr std::array kTriangle{ QPoint(5, 3), QPoint(5, 15), QPoint(15, 9) };
 
-QIcon drawPlayIcon()
+/// The triangle at `density` pixels to the unit.
+QPixmap playPicture(int density)
 {
-    QPixmap pixmap(kIconSize, kIconSize);
+    QPixmap pixmap(kIconSize * density, kIconSize * density);
+    pixmap.setDevicePixelRatio(density);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -34,7 +36,14 @@ QIcon drawPlayIcon()
     painter.setBrush(QColor(QLatin1String(kPlayColour)));
     painter.drawPolygon(kTriangle.data(), static_cast<int>(kTriangle.size()));
     painter.end();
-    return QIcon(pixmap);
+    return pixmap;
+}
+
+QIcon drawPlayIcon()
+{
+    QIcon icon(playPicture(1));
+    icon.addPixmap(playPicture(2)); // Blown up from one pixel to the unit it would be blurred on a dense screen.
+    return icon;
 }
 
 QToolButton* makePlayButton(const QIcon& icon, QWidget* parent)

@@ -3,6 +3,7 @@
 #include "tests/support/DrivenOutput.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/WavBuilder.h"
+#include "window/FileTableColumns.h"
 #include "window/MetadataManagerWindow.h"
 
 #include <QApplication>
@@ -30,6 +31,11 @@ namespace {
 
 constexpr int kTries = 20000; // Bounds the waits for the engine's threads.
 
+void settle()
+{
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
 class Playing : public testing::Test {
 protected:
     void SetUp() override
@@ -43,6 +49,7 @@ protected:
             if (!box)
                 return;
             boxes.append(box->text());
+            boxPlace = box->geometry();
             QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
         });
         boxCloser.start(1);
@@ -71,6 +78,22 @@ protected:
         add("a.wav", 0.5f);
         add("b.wav", 0.25f);
         add("c.wav", 0.125f);
+    }
+
+    void addWithTrackName(const std::string& name)
+    {
+        add("named.wav", 0.5f,
+            WavBuilder()
+                .fmt(48000, 1, 16)
+                .ixml("<BWFXML><TRACK_LIST><TRACK><CHANNEL_INDEX>1</CHANNEL_INDEX><NAME>" + name
+                    + "</NAME></TRACK></TRACK_LIST></BWFXML>"));
+    }
+
+    /// Edits the only track's name in the pane of row 0.
+    void editTrackName(const QString& name)
+    {
+        select(0);
+        window->findChild<QTableWidget*>("trackTable")->item(0, indexOf(TrackColumn::Name))->setText(name);
     }
 
     QTableWidget* table() const { return window->findChild<QTableWidget*>("fileTable"); }
@@ -124,12 +147,8 @@ protected:
     std::unique_ptr<MetadataManagerWindow> window;
     QTimer boxCloser;
     QStringList boxes;
+    QRect boxPlace; ///< Where the last one stood.
 };
-
-void settle()
-{
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
 
 } // namespace
 
@@ -199,6 +218,28 @@ TEST_F(Playing, namesOfTheFileReachTheMixer)
     EXPECT_EQ(trackName(3), "Mix");
 }
 
+TEST_F(Playing, aTrackNameThatIsNotSavedDoesNotReachTheMixer)
+{
+    addWithTrackName("Boom");
+    editTrackName(QStringLiteral("Lav!"));
+    press(0);
+    EXPECT_EQ(trackName(0), "Boom");
+}
+
+TEST_F(Playing, aSavedTrackNameReachesTheNextMixerOnly)
+{
+    addWithTrackName("Boom");
+    press(0);
+    editTrackName(QStringLiteral("Lav!"));
+    click("saveButton");
+    EXPECT_EQ(boxes, QStringList({ "Metadata saved to 1 file(s)" }));
+    EXPECT_EQ(trackName(0), "Boom") << "the open one keeps its copy";
+    dialog()->close();
+    settle();
+    press(0);
+    EXPECT_EQ(trackName(0), "Lav!");
+}
+
 TEST_F(Playing, trackNamesOfARowThatIsNotThereAreNone)
 {
     add("a.wav", 0.5f);
@@ -251,6 +292,16 @@ TEST_F(Playing, twoPressesOnTheSameRowOpenOneDialogThatPlaysOn)
     EXPECT_EQ(dialog(), first);
     EXPECT_TRUE(first->isVisible()) << "brought to the front";
     EXPECT_TRUE(isPlaying());
+}
+
+TEST_F(Playing, aPressOnTheSameRowBringsTheDialogToTheFront)
+{
+    addThree();
+    press(0);
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    press(0);
+    EXPECT_TRUE(QTest::qWaitForWindowActive(dialog()));
 }
 
 TEST_F(Playing, aPressOnAnotherRowReplacesTheDialog)
@@ -419,6 +470,16 @@ TEST_F(Playing, anUnplayableFileOpensAsADisplayAfterItsBox)
     EXPECT_EQ(boxes, QStringList({ "Could not open this WAV for playback." }));
     EXPECT_EQ(playedFile(), "text.wav");
     EXPECT_TRUE(dialog()->isVisible());
+}
+
+TEST_F(Playing, theBoxStandsOverTheDialogToCome)
+{
+    writeBytes(folder.file("text.wav"), "no sound");
+    window->openFiles({ QString::fromStdString(folder.file("text.wav")) });
+    window->move(150, 150);
+    press(0);
+    const QPoint off = boxPlace.center() - dialog()->geometry().center();
+    EXPECT_LT(off.manhattanLength(), 100);
 }
 
 TEST_F(Playing, aFileThatHasGoneFromDiskGivesTheBox)
