@@ -6,6 +6,7 @@
 #include "core/Timecode.h"
 #include "mixer/FaderSlider.h"
 #include "mixer/MeterWidget.h"
+#include "mixer/TransportIcon.h"
 #include "mixer/WaveformWidget.h"
 
 #include <QFileInfo>
@@ -14,7 +15,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScrollArea>
-#include <QStyle>
+#include <QScrollBar>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -41,6 +42,14 @@ constexpr char kBadgeStyle[]
     = "font-size: 14px; color: %1; font-weight: bold; padding: 4px 10px; background-color: #4a2020; "
       "border: 1px solid %2; border-radius: 4px;";
 
+// The main sheet says nothing about scroll bars, and a dark ground alone makes them white lines.
+constexpr char kScrollBarStyle[]
+    = "QScrollBar:horizontal { background: transparent; height: 10px; margin: 0px; }"
+      "QScrollBar::handle:horizontal { background: #4a4a4a; min-width: 40px; border-radius: 4px; margin: 1px 0px; }"
+      "QScrollBar::handle:horizontal:hover { background: #666; }"
+      "QScrollBar::add-line:horizontal, QScrollBar::sub-line:horizontal { width: 0px; }"
+      "QScrollBar::add-page:horizontal, QScrollBar::sub-page:horizontal { background: transparent; }";
+
 constexpr char kNoTimecode[] = "--:--:--:--";
 constexpr char kNoFrameRate[] = "--";
 
@@ -56,7 +65,7 @@ QLabel* makeLabel(const char* name, const QString& text, QWidget* parent)
 
 QPushButton* makeTransportButton(const char* name, QStyle::StandardPixmap icon, const QString& text, QWidget* parent)
 {
-    auto* button = new QPushButton(parent->style()->standardIcon(icon), text, parent);
+    auto* button = new QPushButton(transportIcon(*parent, icon), text, parent);
     button->setObjectName(QLatin1String(name));
     button->setEnabled(false);
     return button;
@@ -184,6 +193,7 @@ void FilePlaybackMixerDialog::addStrips(QVBoxLayout* rows, const QList<QString>&
     stripScroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     stripScroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     stripScroll->setMinimumHeight(280);
+    stripScroll->horizontalScrollBar()->setStyleSheet(QLatin1String(kScrollBarStyle));
 
     auto* inside = new QWidget(stripScroll);
     auto* row = new QHBoxLayout(inside);
@@ -199,6 +209,7 @@ void FilePlaybackMixerDialog::addStrips(QVBoxLayout* rows, const QList<QString>&
         applyFader(track, 0);
     }
     row->addStretch();
+    alignNames();
     stripScroll->setWidget(inside);
     rows->addWidget(stripScroll, 1);
 }
@@ -221,6 +232,8 @@ void FilePlaybackMixerDialog::showPlayable()
 
 void FilePlaybackMixerDialog::warnUnplayable()
 {
+    // The box stands over this dialog, which isn't shown yet and so has no place.
+    adjustPosition(parentWidget());
     QMessageBox::warning(
         this, QStringLiteral("Playback"), QStringLiteral("Could not open this WAV for playback."), QMessageBox::Ok);
 }

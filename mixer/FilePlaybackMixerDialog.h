@@ -82,6 +82,8 @@ private:
 
     int stripCount(const QList<QString>& trackNames) const;
     ChannelStrip makeStrip(int track, const QString& name, QWidget* parent);
+    /// Gives all names the height of the tallest, so that meters and faders of all strips stand in line.
+    void alignNames();
     QLayout* makeButtonRow(ChannelStrip& strip, int track, const QString& name);
     void connectStrip(int track);
     QString infoText() const;

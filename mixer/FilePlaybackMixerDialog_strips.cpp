@@ -3,12 +3,15 @@
 #include "audio/TagwellAudioPlayer.h"
 #include "mixer/FaderSlider.h"
 #include "mixer/MeterWidget.h"
+#include "mixer/TrackNameLabel.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QTextDocument>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -19,6 +22,7 @@ constexpr int kFaderHighest = 60;
 constexpr int kFaderLowestAudible = -589;
 
 constexpr int kStripWidth = 78;
+constexpr int kStripMargin = 2;
 constexpr int kCapWidth = 36;
 constexpr int kCapHeight = 62;
 constexpr int kNameFontPixels = 11;
@@ -63,16 +67,17 @@ QString labelStyle(const char* style, int pixels, const char* colour)
     return QString::fromLatin1(style).arg(QString::number(pixels), QLatin1String(colour));
 }
 
+/// A tool tip that shows `text` as it is. One that looks like markup would be rendered, pictures off the disk included.
+QString plainToolTip(const QString& text)
+{
+    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
+}
+
 QLabel* makeNameLabel(int track, const QString& name, QWidget* strip)
 {
-    auto* label = new QLabel(strip);
+    auto* label = new TrackNameLabel(name, strip);
     label->setObjectName(numbered("nameLabel", track));
-    // A name that looks like markup is still a name.
-    label->setTextFormat(Qt::PlainText);
-    label->setText(name);
-    label->setAlignment(Qt::AlignCenter);
-    label->setWordWrap(true);
-    label->setToolTip(name);
+    label->setToolTip(plainToolTip(name));
     label->setStyleSheet(labelStyle(kNameStyle, kNameFontPixels, kNameColour));
     return label;
 }
@@ -135,7 +140,7 @@ FilePlaybackMixerDialog::ChannelStrip FilePlaybackMixerDialog::makeStrip(
     strip.stripWidget->setObjectName(numbered("strip", track));
     strip.stripWidget->setFixedWidth(kStripWidth);
     auto* column = new QVBoxLayout(strip.stripWidget);
-    column->setContentsMargins(2, 2, 2, 2);
+    column->setContentsMargins(kStripMargin, kStripMargin, kStripMargin, kStripMargin);
     column->setSpacing(4);
 
     strip.nameLabel = makeNameLabel(track, name, strip.stripWidget);
@@ -148,6 +153,15 @@ FilePlaybackMixerDialog::ChannelStrip FilePlaybackMixerDialog::makeStrip(
     column->addWidget(strip.dbLabel);
     column->addLayout(makeButtonRow(strip, track, name));
     return strip;
+}
+
+void FilePlaybackMixerDialog::alignNames()
+{
+    int tallest = 0;
+    for (const ChannelStrip& strip : strips)
+        tallest = std::max(tallest, strip.nameLabel->heightForWidth(kStripWidth - 2 * kStripMargin));
+    for (const ChannelStrip& strip : strips)
+        strip.nameLabel->setMinimumHeight(tallest);
 }
 
 QLayout* FilePlaybackMixerDialog::makeButtonRow(ChannelStrip& strip, int track, const QString& name)

@@ -3,12 +3,12 @@
 #include "audio/TagwellAudioPlayer.h"
 #include "core/Timecode.h"
 #include "mixer/MeterWidget.h"
+#include "mixer/TransportIcon.h"
 #include "mixer/WaveformWidget.h"
 
 #include <QIcon>
 #include <QLabel>
 #include <QPushButton>
-#include <QStyle>
 
 #include <algorithm>
 #include <cmath>
@@ -109,7 +109,7 @@ void FilePlaybackMixerDialog::updateTransportUi()
     // Icon and text always change together. Setting them anew 20 times a second would lay out the row each time.
     if (playPauseButton->text() == text)
         return;
-    playPauseButton->setIcon(style()->standardIcon(playing ? QStyle::SP_MediaPause : QStyle::SP_MediaPlay));
+    playPauseButton->setIcon(transportIcon(*playPauseButton, playing ? QStyle::SP_MediaPause : QStyle::SP_MediaPlay));
     playPauseButton->setText(text);
 }
 

@@ -81,15 +81,25 @@ protected:
         std::filesystem::copy_file(FADER_PICTURE, target);
     }
 
-    /// The path that is found, and whether a cap is there.
-    std::pair<std::string, std::string> probe() const
+    struct Probed {
+        std::string path; ///< What is found.
+        std::string cap; ///< Whether it is there.
+        std::string pixels; ///< Of the cap at a draw size of 36 x 62.
+    };
+
+    Probed probe(const QString& scale = QStringLiteral("1")) const { return run(programFolder() / "probe", scale); }
+
+    static Probed run(const std::filesystem::path& program, const QString& scale = QStringLiteral("1"))
     {
         QProcess process;
-        process.start(QString::fromStdString((programFolder() / "probe").string()), QStringList());
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("QT_SCALE_FACTOR"), scale);
+        process.setProcessEnvironment(environment);
+        process.start(QString::fromStdString(program.string()), QStringList());
         EXPECT_TRUE(process.waitForFinished());
         EXPECT_EQ(process.readAllStandardError(), QByteArray()) << "nothing is ever printed";
         const QList<QByteArray> lines = process.readAllStandardOutput().split('\n');
-        return { lines.value(0).toStdString(), lines.value(1).toStdString() };
+        return { lines.value(0).toStdString(), lines.value(1).toStdString(), lines.value(2).toStdString() };
     }
 
     std::string inProgramFolder(const std::string& place) const
@@ -228,7 +238,7 @@ TEST_F(FaderPicture, isLookedForBesideTheProgramFirst)
     put("../../fader.png");
     put("../../../assets/fader.png");
     put("../../assets/fader.png");
-    EXPECT_EQ(probe().first, inProgramFolder("fader.png"));
+    EXPECT_EQ(probe().path, inProgramFolder("fader.png"));
 }
 
 TEST_F(FaderPicture, thenInTheBundle)
@@ -237,7 +247,7 @@ TEST_F(FaderPicture, thenInTheBundle)
     put("../../fader.png");
     put("../../../assets/fader.png");
     put("../../assets/fader.png");
-    EXPECT_EQ(probe().first, inProgramFolder("../Resources/fader.png"));
+    EXPECT_EQ(probe().path, inProgramFolder("../Resources/fader.png"));
 }
 
 TEST_F(FaderPicture, thenTwoFoldersUp)
@@ -245,33 +255,49 @@ TEST_F(FaderPicture, thenTwoFoldersUp)
     put("../../fader.png");
     put("../../../assets/fader.png");
     put("../../assets/fader.png");
-    EXPECT_EQ(probe().first, inProgramFolder("../../fader.png"));
+    EXPECT_EQ(probe().path, inProgramFolder("../../fader.png"));
 }
 
 TEST_F(FaderPicture, thenAmongTheAssetsThreeFoldersUp)
 {
     put("../../../assets/fader.png");
     put("../../assets/fader.png");
-    EXPECT_EQ(probe().first, inProgramFolder("../../../assets/fader.png"));
+    EXPECT_EQ(probe().path, inProgramFolder("../../../assets/fader.png"));
 }
 
 TEST_F(FaderPicture, thenAmongTheAssetsTwoFoldersUp)
 {
     put("../../assets/fader.png");
-    const auto [path, cap] = probe();
-    EXPECT_EQ(path, inProgramFolder("../../assets/fader.png"));
-    EXPECT_EQ(cap, "cap");
+    const Probed found = probe();
+    EXPECT_EQ(found.path, inProgramFolder("../../assets/fader.png"));
+    EXPECT_EQ(found.cap, "cap");
+}
+
+TEST_F(FaderPicture, isLookedForWhereALinkToTheProgramLeads)
+{
+    put("fader.png");
+    const std::filesystem::path link = folder.path() / "link";
+    std::filesystem::create_symlink(programFolder() / "probe", link);
+    EXPECT_EQ(run(link).path, inProgramFolder("fader.png"));
 }
 
 TEST_F(FaderPicture, missingEverywhereNamesThePlaceBesideTheProgramAndLeavesNoCap)
 {
-    const auto [path, cap] = probe();
-    EXPECT_EQ(path, inProgramFolder("fader.png"));
-    EXPECT_EQ(cap, "no cap");
+    const Probed found = probe();
+    EXPECT_EQ(found.path, inProgramFolder("fader.png"));
+    EXPECT_EQ(found.cap, "no cap");
 }
 
 TEST_F(FaderPicture, thatIsNoPictureLeavesNoCap)
 {
     writeBytes(inProgramFolder("fader.png"), "not a picture");
-    EXPECT_EQ(probe().second, "no cap");
+    EXPECT_EQ(probe().cap, "no cap");
+}
+
+TEST_F(FaderPicture, isScaledToThePixelsThatItCoversOnTheScreen)
+{
+    put("fader.png");
+    EXPECT_EQ(probe().pixels, "36 x 62");
+    EXPECT_EQ(probe(QStringLiteral("2")).pixels, "72 x 124");
+    EXPECT_EQ(probe(QStringLiteral("1.5")).pixels, "54 x 93");
 }

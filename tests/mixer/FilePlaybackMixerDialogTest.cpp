@@ -19,6 +19,7 @@
 #include <QScrollBar>
 #include <QSlider>
 #include <QTest>
+#include <QTextDocument>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -181,6 +182,20 @@ protected:
         return playText() == QLatin1String(" Play");
     }
 
+    /// The column of the playhead in the waveform; -1 without one.
+    int playhead() const
+    {
+        const QImage picture = find("waveform")->grab().toImage();
+        for (int x = 0; x < picture.width(); ++x) {
+            if (picture.pixelColor(x, 5) == QColor(0, 255, 100))
+                return x;
+        }
+        return -1;
+    }
+
+    /// As above, in parts of the waveform's width.
+    double playheadPart() const { return static_cast<double>(playhead()) / find("waveform")->width(); }
+
     QImage meterPicture(int track) const { return find(QStringLiteral("meter%1").arg(track))->grab().toImage(); }
 
     /// Pixels from the left that are lit by the bar or by the peak line at its end.
@@ -301,15 +316,87 @@ TEST_F(MixerDialog, laysItsRowsOutAsSettled)
     EXPECT_EQ(rows->stretch(5), 1);
 }
 
+TEST_F(MixerDialog, itsLabelsLookAsSettled)
+{
+    openQuarters();
+    const auto style = [this](const char* label) { return find<QLabel>(QLatin1String(label))->styleSheet(); };
+    EXPECT_EQ(style("titleLabel"), "font-size: 15px; font-weight: 700; color: #f0f0f0;");
+    EXPECT_EQ(style("infoLabel"), "color: #999999;");
+    EXPECT_EQ(style("timecodeLabel"),
+        "font-size: 28px; font-family: 'Courier New', 'Monaco', 'Menlo', monospace; font-weight: bold; padding: 0px; "
+        "letter-spacing: 1px; background-color: transparent; color: #B8E0FF;");
+    EXPECT_EQ(style("frameRateBadge"),
+        QStringLiteral("font-size: 14px; color: %1; font-weight: bold; padding: 4px 10px; background-color: #4a2020; "
+                       "border: 1px solid %2; border-radius: 4px;")
+            .arg(QLatin1String(Theme::kDanger), QLatin1String(Theme::kDangerBorder)));
+    EXPECT_EQ(find<QLabel>("timecodeLabel")->alignment(), Qt::AlignLeft | Qt::AlignVCenter);
+    EXPECT_EQ(find<QLabel>("timeLabel")->alignment(), Qt::AlignRight | Qt::AlignVCenter);
+    EXPECT_EQ(find("timeLabel")->minimumWidth(), 110);
+}
+
+TEST_F(MixerDialog, theWaveformAndTheStripsHaveTheirRoom)
+{
+    openQuarters();
+    EXPECT_EQ(find("waveform")->minimumHeight(), 90);
+    EXPECT_EQ(find("waveform")->maximumHeight(), 130);
+    const auto* scroll = find<QScrollArea>("stripScroll");
+    EXPECT_TRUE(scroll->widgetResizable());
+    EXPECT_EQ(scroll->horizontalScrollBarPolicy(), Qt::ScrollBarAsNeeded);
+    EXPECT_EQ(scroll->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
+    EXPECT_EQ(scroll->minimumHeight(), 280);
+    EXPECT_EQ(scroll->widget()->layout()->contentsMargins(), QMargins(6, 6, 6, 6));
+    EXPECT_EQ(scroll->widget()->layout()->spacing(), 8);
+}
+
+TEST_F(MixerDialog, aStripsControlsLookAsSettled)
+{
+    openQuarters();
+    const auto* name = find<QLabel>("nameLabel0");
+    EXPECT_EQ(name->styleSheet(), "font-size: 11px; font-weight: bold; color: #f0f0f0;");
+    EXPECT_EQ(name->alignment(), Qt::AlignCenter);
+    EXPECT_TRUE(name->wordWrap());
+    EXPECT_EQ(find("dbLabel0")->styleSheet(), "font-size: 10px; color: #999999;");
+    EXPECT_EQ(find<QLabel>("dbLabel0")->alignment(), Qt::AlignCenter);
+    for (const char* button : { "muteButton0", "soloButton0" }) {
+        EXPECT_EQ(find(QLatin1String(button))->styleSheet(),
+            "QPushButton {  background-color: #3a3a3a;  color: #ccc;  border: 1px solid #555;  border-radius: 3px;  "
+            "font-size: 10px;  font-weight: bold;}QPushButton:checked {  background-color: #c0392b;  color: #fff;  "
+            "border: 1px solid #e74c3c;}QPushButton:hover { border: 1px solid #888; }");
+    }
+}
+
+TEST_F(MixerDialog, aFaderLooksAsSettledAndTakesTheHeight)
+{
+    openQuarters();
+    const auto* fader = find<QSlider>("fader0");
+    EXPECT_EQ(fader->orientation(), Qt::Vertical);
+    EXPECT_EQ(fader->minimumHeight(), 180);
+    EXPECT_EQ(fader->sizePolicy().horizontalPolicy(), QSizePolicy::Fixed);
+    EXPECT_EQ(fader->sizePolicy().verticalPolicy(), QSizePolicy::Expanding);
+    EXPECT_EQ(fader->styleSheet(),
+        "QSlider {    background: transparent;    padding: 0px;    margin: 0px;}QSlider::groove:vertical {    "
+        "background: qlineargradient(x1:0, y1:0, x2:1, y2:0,         stop:0 #0a0a0a, stop:0.45 #222, stop:0.5 #333, "
+        "stop:0.55 #222, stop:1 #0a0a0a);    width: 6px;    border-radius: 3px;    border: 1px solid #444;    "
+        "margin: 30px 0px;}QSlider::handle:vertical {    width: 36px;    height: 62px;    margin: -30px -15px;    "
+        "background: transparent;    border: none;}");
+    const int before = fader->height();
+    dialog->resize(720, 760);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(find("fader0")->height(), before + 200);
+}
+
 TEST_F(MixerDialog, laysAStripOutAsSettled)
 {
     openQuarters();
     auto* column = find("strip0")->layout();
+    EXPECT_EQ(column->contentsMargins(), QMargins(2, 2, 2, 2));
+    EXPECT_EQ(column->spacing(), 4);
     ASSERT_EQ(column->count(), 5);
     EXPECT_EQ(column->itemAt(0)->widget(), find("nameLabel0"));
     EXPECT_EQ(column->itemAt(1)->widget(), find("meter0"));
     EXPECT_EQ(column->itemAt(2)->widget(), find("fader0"));
     EXPECT_EQ(column->itemAt(3)->widget(), find("dbLabel0"));
+    EXPECT_EQ(column->itemAt(4)->layout()->spacing(), 4);
     EXPECT_EQ(column->itemAt(4)->layout()->itemAt(1)->widget(), find("muteButton0"));
     EXPECT_EQ(column->itemAt(4)->layout()->itemAt(2)->widget(), find("soloButton0"));
     EXPECT_EQ(find("strip0")->width(), 78);
@@ -378,6 +465,17 @@ TEST_F(MixerDialog, aFileNameThatLooksLikeMarkupIsShownAsItIs)
     EXPECT_EQ(find<QLabel>("nameLabel0")->textFormat(), Qt::PlainText);
 }
 
+TEST_F(MixerDialog, aNameThatLooksLikeMarkupIsShownAsItIsInItsToolTip)
+{
+    const QString name = QStringLiteral("<img src='/dev/zero'> & <b>Boom");
+    openSteady({ 0.1f, 0.1f }, 100, { name, QStringLiteral("Tom & Jerry") });
+    // A tool tip takes what looks like markup for markup, and reads the files that it names.
+    QTextDocument shown;
+    shown.setHtml(find("nameLabel0")->toolTip());
+    EXPECT_EQ(shown.toPlainText(), name);
+    EXPECT_EQ(find("nameLabel1")->toolTip(), "Tom & Jerry");
+}
+
 TEST_F(MixerDialog, withoutTimecodeShowsDashes)
 {
     openQuarters();
@@ -431,6 +529,20 @@ TEST_F(MixerDialog, channelsBeyondTheNamesAreNumbered)
     EXPECT_EQ(text("nameLabel3"), "Track 4");
     EXPECT_EQ(text("nameLabel4"), "Track 5");
     EXPECT_EQ(find("nameLabel0")->toolTip(), "Boom");
+}
+
+TEST_F(MixerDialog, namesOfAnyLengthLeaveTheStripsInLine)
+{
+    const QString endless = QStringLiteral("Wireless_Lavalier_07 ").repeated(20);
+    openSteady({ 0.1f, 0.1f, 0.1f }, 100, { QStringLiteral("Boom"), QStringLiteral("Anna Lav Backup"), endless });
+    QCoreApplication::processEvents();
+    EXPECT_EQ(text("nameLabel2"), endless.trimmed());
+    for (const char* part : { "meter", "fader", "muteButton" }) {
+        const int y = find(QLatin1String(part) + QLatin1String("0"))->y();
+        EXPECT_EQ(find(QLatin1String(part) + QLatin1String("1"))->y(), y) << part;
+        EXPECT_EQ(find(QLatin1String(part) + QLatin1String("2"))->y(), y) << part;
+    }
+    EXPECT_LE(find("nameLabel2")->height(), 2 * find("nameLabel2")->fontMetrics().lineSpacing() + 1);
 }
 
 TEST_F(MixerDialog, namesBeyondTheChannelsAreNotShown)
@@ -500,6 +612,19 @@ TEST_F(MixerDialog, theIconChangesWithTheText)
     EXPECT_EQ(button->icon().pixmap(16).toImage(), play);
 }
 
+TEST_F(MixerDialog, theIconsHaveTheColourOfTheButtonsText)
+{
+    openQuarters();
+    for (const char* button : { "playPauseButton", "stopButton" }) {
+        const QIcon icon = find<QPushButton>(QLatin1String(button))->icon();
+        const QImage on = icon.pixmap(16).toImage();
+        const QImage off = icon.pixmap(16, QIcon::Disabled).toImage();
+        EXPECT_EQ(on.pixelColor(7, 8), QColor(QLatin1String(Theme::kTextPrimary))) << button;
+        EXPECT_EQ(off.pixelColor(7, 8), QColor(0x66, 0x66, 0x66)) << button;
+        EXPECT_EQ(on.pixelColor(0, 0).alpha(), 0) << button;
+    }
+}
+
 TEST_F(MixerDialog, pausedIsSilent)
 {
     openQuarters();
@@ -517,7 +642,9 @@ TEST_F(MixerDialog, stopGoesBackToTheTop)
     clickWaveform(0.5);
     ASSERT_TRUE(hear(0.125f));
     tick();
+    EXPECT_GT(playhead(), 0);
     click("stopButton");
+    EXPECT_EQ(playhead(), -1);
     EXPECT_EQ(text("timeLabel"), "00:00 / 00:08");
     EXPECT_EQ(text("timecodeLabel"), "01:00:00:00");
     click("playPauseButton");
@@ -530,6 +657,7 @@ TEST_F(MixerDialog, aClickWhileStoppedMovesTheDisplayAtOnceAndPlayStartsThere)
     clickWaveform(0.8);
     EXPECT_EQ(text("timeLabel"), "00:06 / 00:08");
     EXPECT_EQ(text("timecodeLabel").left(9), "01:00:06:");
+    EXPECT_NEAR(playheadPart(), 0.8, 0.01);
     EXPECT_EQ(playText(), " Play");
     click("playPauseButton");
     EXPECT_EQ(firstHeard(), 0.0625f);
@@ -598,6 +726,8 @@ TEST_F(MixerDialog, theTickFollowsThePosition)
     }
     EXPECT_EQ(text("timecodeLabel").left(8), "01:00:05");
     EXPECT_EQ(text("timeLabel").mid(5), " / 00:08");
+    EXPECT_GE(playheadPart(), 0.61) << "five of eight seconds";
+    EXPECT_LT(playheadPart(), 0.76);
 }
 
 TEST_F(MixerDialog, theTimerTicksEveryFiftyMilliseconds)
@@ -750,6 +880,15 @@ TEST_F(MixerDialog, aFileWithoutFramesTicksAtZero)
     EXPECT_EQ(playText(), " Play");
 }
 
+TEST_F(MixerDialog, aLengthBelowAMillisecondCountsAsOne)
+{
+    openSteady({ 0.5f }, 24); // Half a millisecond.
+    clickWaveform(0.99);
+    EXPECT_NEAR(playheadPart(), 0.99, 0.01);
+    tick();
+    EXPECT_NEAR(playheadPart(), 0.48, 0.01) << "frame 23 of 48";
+}
+
 TEST_F(MixerDialog, closingWhilePlayingEndsPlaybackAndDeletesIt)
 {
     openQuarters();
@@ -812,7 +951,10 @@ TEST_F(MixerDialog, anUnplayableFileGivesTheBoxAndSilentStrips)
         EXPECT_EQ(box.text(), "Could not open this WAV for playback.");
         EXPECT_EQ(box.icon(), QMessageBox::Warning);
         EXPECT_EQ(box.buttons().size(), 1);
+        EXPECT_NE(box.parentWidget()->findChild<QWidget*>("strip1"), nullptr) << "all stands when the box comes";
+        EXPECT_EQ(box.parentWidget()->findChild<QTimer*>("uiTimer"), nullptr) << "but the timer";
     });
+    EXPECT_TRUE(find<QTimer>("uiTimer")->isActive());
     EXPECT_EQ(text("infoLabel"), "Could not open this file for playback.");
     EXPECT_FALSE(find("playPauseButton")->isEnabled());
     EXPECT_FALSE(find("stopButton")->isEnabled());
