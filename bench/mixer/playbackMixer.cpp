@@ -12,15 +12,19 @@
 
 #include <QApplication>
 #include <QImage>
+#include <QPushButton>
+#include <QTimer>
 
 #include <benchmark/benchmark.h>
 
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdint>
 #include <fstream>
 #include <memory>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -92,10 +96,23 @@ void decodeAllChannels(benchmark::State& state)
     }
 }
 
+/// A second in steps of a tenth, each of another level, the same in all channels.
+std::string steps(uint16_t channels)
+{
+    std::string bytes;
+    bytes.reserve(size_t{ kRate } * channels * 2);
+    for (uint32_t frame = 0; frame < kRate; ++frame) {
+        const std::string sample = le16(static_cast<uint16_t>(frame / (kRate / 10) * 7 % 10 * 3000));
+        for (uint16_t channel = 0; channel < channels; ++channel)
+            bytes += sample;
+    }
+    return bytes;
+}
+
 std::unique_ptr<FilePlaybackMixerDialog> dialogOf(const TempFolder& folder, uint16_t channels)
 {
     const std::string path = folder.file("poly.wav");
-    WavBuilder().fmt(kRate, channels, 16).dataFrames(kRate).write(path);
+    WavBuilder().fmt(kRate, channels, 16).data(steps(channels)).write(path);
     DrivenOutput::reset();
     BwfMetadata metadata;
     metadata.frameRate = 25.0;
@@ -122,6 +139,30 @@ void uiTick(benchmark::State& state)
     dialog->show();
     for (auto _ : state)
         QMetaObject::invokeMethod(dialog.get(), "onUiTick", Qt::DirectConnection);
+}
+
+/// One turn while it plays: the read-outs and all meters move. `painted` adds the drawing of all that has changed.
+void uiTickPlaying(benchmark::State& state, bool painted)
+{
+    const TempFolder folder;
+    auto dialog = dialogOf(folder, static_cast<uint16_t>(state.range(0)));
+    dialog->show();
+    QCoreApplication::processEvents();
+    dialog->findChild<QTimer*>("uiTimer")->stop();
+    auto* play = dialog->findChild<QPushButton*>("playPauseButton");
+    for (auto _ : state) {
+        state.PauseTiming();
+        if (play->text() == QLatin1String(" Play"))
+            play->click();
+        // What the device takes between two turns, and time for the mixer to follow.
+        (void)DrivenOutput::pullStereo(kRate / 20);
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        QCoreApplication::processEvents();
+        state.ResumeTiming();
+        QMetaObject::invokeMethod(dialog.get(), "onUiTick", Qt::DirectConnection);
+        if (painted)
+            QCoreApplication::processEvents();
+    }
 }
 
 template <typename Widget> void paint(benchmark::State& state, Widget& widget)
@@ -156,6 +197,8 @@ BENCHMARK(waveformLoad)->Unit(benchmark::kMillisecond);
 BENCHMARK(decodeAllChannels)->Unit(benchmark::kMillisecond);
 BENCHMARK(openDialog)->Arg(2)->Arg(64)->Unit(benchmark::kMillisecond);
 BENCHMARK(uiTick)->Arg(2)->Arg(64)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(uiTickPlaying, alone, false)->Arg(2)->Arg(64)->Iterations(400)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(uiTickPlaying, painted, true)->Arg(2)->Arg(64)->Iterations(400)->Unit(benchmark::kMicrosecond);
 BENCHMARK(paintWaveform)->Arg(700)->Arg(3000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(paintMeter)->Unit(benchmark::kMicrosecond);
 
