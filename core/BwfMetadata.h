@@ -8,7 +8,8 @@
 struct BwfTrack {
     /// Channel number as the file gives it, counted from 1. May leave gaps and may repeat; not the list position.
     int32_t channelIndex = 0;
-    /// Track name, bytes of the file taken to be UTF-8; may be empty.
+    /// Track name, bytes of the file taken to be UTF-8; may be empty. The reader gives all tracks together no more than
+    /// 64 MiB of names and functions; those beyond are empty.
     std::string name;
     /// Track function, empty unless the file's iXML gave one.
     std::string function;

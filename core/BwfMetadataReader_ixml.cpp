@@ -23,6 +23,7 @@ using Element = IxmlTags::Element;
 using Mark = IxmlTags::Mark;
 
 constexpr uint64_t kMaxTimeReference = 20'000'000'000;
+constexpr std::size_t kMostTrackText = 64 * 1024 * 1024; // Bytes in all tracks of a file.
 constexpr std::size_t kPieceBytes = 64 * 1024; // Of a chunk, read at once.
 constexpr std::size_t kCacheLineBytes = 64;
 constexpr std::size_t kSliceBytes = 4 * 1024; // Padding is told in these.
@@ -175,6 +176,22 @@ private:
     std::optional<int32_t> number;
 };
 
+// One long name behind thousands of tracks without one belongs to each of them. No recorder writes that, and a copy for
+// each would take all memory there is: texts beyond a limit that no real list comes near stay empty.
+class TrackText {
+public:
+    std::string copy(std::string_view text)
+    {
+        if (text.size() > left)
+            return {};
+        left -= text.size();
+        return std::string(text);
+    }
+
+private:
+    std::size_t left = kMostTrackText;
+};
+
 // A track's text reaches to the end of the list, not to the end of the track: an element that one track lacks comes
 // from the next one that has it.
 void takeTracks(const IxmlTags& tags, BwfMetadata& record)
@@ -189,11 +206,12 @@ void takeTracks(const IxmlTags& tags, BwfMetadata& record)
     ChannelNumbers channels(tags, listEnd);
     IxmlTags::Cursor names(tags, Element::Name, listEnd);
     IxmlTags::Cursor functions(tags, Element::Function, listEnd);
+    TrackText text;
     int32_t counter = 1;
     IxmlTags::Index track = tags.find(Mark::TrackBegin, listBegin);
     while (track < listEnd) {
         record.tracks.push_back(
-            { channels.at(track, counter), std::string(names.value(track)), std::string(functions.value(track)) });
+            { channels.at(track, counter), text.copy(names.value(track)), text.copy(functions.value(track)) });
         const IxmlTags::Index trackEnd = tags.find(Mark::TrackEnd, track);
         if (trackEnd == IxmlTags::kNone)
             return;

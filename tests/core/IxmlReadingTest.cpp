@@ -419,6 +419,22 @@ TEST(IxmlTracks, longListsOfEmptyTracksAreRead)
     EXPECT_EQ(parse(list(inner)).tracks.back().channelIndex, 35000);
 }
 
+TEST(IxmlTracks, oneLongNameBehindThousandsOfTracksTakesABoundedRoom)
+{
+    std::string inner;
+    for (int i = 0; i < 20000; ++i)
+        inner += "<TRACK></TRACK>";
+    const std::string name(512 * 1024, 'n');
+    const BwfMetadata record = parse(list(inner + "<TRACK><NAME>" + name + "</NAME></TRACK>"));
+    ASSERT_EQ(record.tracks.size(), 20001u);
+    size_t bytes = 0;
+    for (const BwfTrack& track : record.tracks)
+        bytes += track.name.size();
+    EXPECT_EQ(record.tracks.front().name, name);
+    EXPECT_EQ(record.tracks.back().name, "");
+    EXPECT_EQ(bytes, 64u * 1024 * 1024);
+}
+
 TEST(DescriptionFallback, fillsWhatTheXmlLeftEmpty)
 {
     const BwfMetadata record
