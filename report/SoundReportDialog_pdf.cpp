@@ -12,11 +12,13 @@
 #include <QPageLayout>
 #include <QPageSize>
 #include <QPrinter>
+#include <QTextBlock>
 #include <QTextBlockFormat>
 #include <QTextCharFormat>
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QTextImageFormat>
+#include <QTextLayout>
 #include <QTextTable>
 #include <QTextTableFormat>
 #include <QUrl>
@@ -28,6 +30,7 @@ namespace {
 
 constexpr double kPageMarginInches = 0.5;
 constexpr int kResolution = 300; // Dots per inch.
+constexpr int kLongText = 10000; // Characters; more than a page holds.
 // The document's own page, in its units. Fixed, not derived from the printer's page: printing scales one to the other.
 constexpr double kDocumentWidth = 648.0;
 constexpr double kDocumentHeight = 864.0;
@@ -311,6 +314,15 @@ void setUpPage(QPrinter& printer, const QString& filePath)
     printer.setResolution(kResolution);
 }
 
+// A text over many pages would be shaped anew as a whole for each of them, as a file has it that claims 65535 channels.
+void keepLongTextsShaped(const QTextDocument& document)
+{
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        if (block.length() > kLongText)
+            block.layout()->setCacheEnabled(true);
+    }
+}
+
 void printToPdf(const QTextDocument& document, const QString& filePath)
 {
     // The printer would print a warning about a path that it can't write, so this is tried first.
@@ -321,6 +333,7 @@ void printToPdf(const QTextDocument& document, const QString& filePath)
 
     QPrinter printer(QPrinter::HighResolution);
     setUpPage(printer, filePath);
+    keepLongTextsShaped(document);
     document.print(&printer);
 }
 
