@@ -52,8 +52,8 @@ void waitForButtons(const MetadataManagerWindow& window)
     QCoreApplication::processEvents();
 }
 
-/// Files read, rows filled and shown: the window can be worked with. Most buttons are still to come.
-void showRows(benchmark::State& state)
+/// Adds the files to a shown window; `whenAdded` runs the event loop for as long as is to be measured.
+template <typename WhenAdded> void addToShownWindow(benchmark::State& state, WhenAdded whenAdded)
 {
     const Shoot shoot(state.range(0));
     for (auto _ : state) {
@@ -61,23 +61,39 @@ void showRows(benchmark::State& state)
         auto window = shownWindow();
         state.ResumeTiming();
         window->addFiles(shoot.paths);
-        QCoreApplication::processEvents();
+        whenAdded(*window);
         state.PauseTiming();
         window.reset();
         state.ResumeTiming();
     }
 }
 
+/// Files read, rows filled and shown: the window can be worked with. Most buttons are still to come.
+void showRows(benchmark::State& state)
+{
+    addToShownWindow(state, [](const MetadataManagerWindow&) { QCoreApplication::processEvents(); });
+}
+
 /// Files read, rows filled, all buttons on, all laid out.
 void addRows(benchmark::State& state)
+{
+    addToShownWindow(state, waitForButtons);
+}
+
+/// Removes what `select` selects, all of which has its buttons.
+template <typename Select> void removeFromShownWindow(benchmark::State& state, Select select)
 {
     const Shoot shoot(state.range(0));
     for (auto _ : state) {
         state.PauseTiming();
         auto window = shownWindow();
-        state.ResumeTiming();
         window->addFiles(shoot.paths);
         waitForButtons(*window);
+        select(window->findChild<QTableWidget*>("fileTable"));
+        QCoreApplication::processEvents();
+        state.ResumeTiming();
+        window->findChild<QPushButton*>("removeFileButton")->click();
+        QCoreApplication::processEvents();
         state.PauseTiming();
         window.reset();
         state.ResumeTiming();
@@ -86,45 +102,19 @@ void addRows(benchmark::State& state)
 
 void removeRows(benchmark::State& state)
 {
-    const Shoot shoot(state.range(0));
-    for (auto _ : state) {
-        state.PauseTiming();
-        auto window = shownWindow();
-        window->addFiles(shoot.paths);
-        waitForButtons(*window);
-        window->findChild<QTableWidget*>("fileTable")->selectAll();
-        QCoreApplication::processEvents();
-        state.ResumeTiming();
-        window->findChild<QPushButton*>("removeFileButton")->click();
-        QCoreApplication::processEvents();
-        state.PauseTiming();
-        window.reset();
-        state.ResumeTiming();
-    }
+    removeFromShownWindow(state, [](QTableWidget* table) { table->selectAll(); });
 }
 
 /// Every other row, so that no two go together.
 void removeScatteredRows(benchmark::State& state)
 {
-    const Shoot shoot(state.range(0));
-    for (auto _ : state) {
-        state.PauseTiming();
-        auto window = shownWindow();
-        window->addFiles(shoot.paths);
-        waitForButtons(*window);
-        auto* table = window->findChild<QTableWidget*>("fileTable");
+    removeFromShownWindow(state, [](QTableWidget* table) {
         QItemSelection selection;
         for (int row = 0; row < table->rowCount(); row += 2)
-            selection.select(table->model()->index(row, 0), table->model()->index(row, table->columnCount() - 1));
+            selection.append(QItemSelectionRange(
+                table->model()->index(row, 0), table->model()->index(row, table->columnCount() - 1)));
         table->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
-        QCoreApplication::processEvents();
-        state.ResumeTiming();
-        window->findChild<QPushButton*>("removeFileButton")->click();
-        QCoreApplication::processEvents();
-        state.PauseTiming();
-        window.reset();
-        state.ResumeTiming();
-    }
+    });
 }
 
 /// What the same rows cost where each insertion lays out the buttons above it again.

@@ -38,6 +38,24 @@ protected:
         return recording;
     }
 
+    static void expectNoFile(const std::vector<std::string>& texts)
+    {
+        for (const std::string& each : texts)
+            EXPECT_EQ(each, kMark);
+    }
+
+    void expectEmptyPanes() const
+    {
+        expectNoFile({ text("currentFileLabel"), text("channelsLabel"), text("sampleRateLabel"),
+            text("tcSampleRateLabel"), text("frameRateLabel"), text("timecodeButton"), text("lengthLabel"),
+            text("samplesSinceMidnightLabel"), text("userBitsLabel"), text("bitDepthLabel") });
+        for (const char* edit : { "sceneEdit", "takeEdit", "projectEdit", "tapeIdEdit" })
+            EXPECT_EQ(text(edit), "") << edit;
+        EXPECT_EQ(notes(), "");
+        EXPECT_FALSE(checked("circledCheck"));
+        EXPECT_FALSE(checked("wildTrackCheck"));
+    }
+
     /// Label and control of each row of a form, in order.
     std::vector<std::pair<std::string, std::string>> rowsOf(const char* form) const
     {
@@ -92,22 +110,9 @@ TEST_F(DetailPanes, trackPaneHoldsTheTrackTable)
     EXPECT_EQ(tracks()->selectionBehavior(), QAbstractItemView::SelectItems);
 }
 
-void expectNoFile(const std::vector<std::string>& texts)
-{
-    for (const std::string& each : texts)
-        EXPECT_EQ(each, kMark);
-}
-
 TEST_F(DetailPanes, startEmpty)
 {
-    expectNoFile({ text("currentFileLabel"), text("channelsLabel"), text("sampleRateLabel"), text("tcSampleRateLabel"),
-        text("frameRateLabel"), text("timecodeButton"), text("lengthLabel"), text("samplesSinceMidnightLabel"),
-        text("userBitsLabel"), text("bitDepthLabel") });
-    for (const char* edit : { "sceneEdit", "takeEdit", "projectEdit", "tapeIdEdit" })
-        EXPECT_EQ(text(edit), "") << edit;
-    EXPECT_EQ(notes(), "");
-    EXPECT_FALSE(checked("circledCheck"));
-    EXPECT_FALSE(checked("wildTrackCheck"));
+    expectEmptyPanes();
 }
 
 TEST_F(DetailPanes, withoutASelectionEverythingIsEmptyAgain)
@@ -115,14 +120,7 @@ TEST_F(DetailPanes, withoutASelectionEverythingIsEmptyAgain)
     add("a.wav", full());
     select({ 0 });
     table()->clearSelection();
-    expectNoFile({ text("currentFileLabel"), text("channelsLabel"), text("sampleRateLabel"), text("tcSampleRateLabel"),
-        text("frameRateLabel"), text("timecodeButton"), text("lengthLabel"), text("samplesSinceMidnightLabel"),
-        text("userBitsLabel"), text("bitDepthLabel") });
-    for (const char* edit : { "sceneEdit", "takeEdit", "projectEdit", "tapeIdEdit" })
-        EXPECT_EQ(text(edit), "") << edit;
-    EXPECT_EQ(notes(), "");
-    EXPECT_FALSE(checked("circledCheck"));
-    EXPECT_FALSE(checked("wildTrackCheck"));
+    expectEmptyPanes();
     EXPECT_EQ(tracks()->rowCount(), 0);
     EXPECT_FALSE(enabled("saveButton"));
 }
@@ -351,6 +349,7 @@ TEST_F(DetailPanes, commonValueOfNothingIsTheMark)
 TEST_F(DetailPanes, trackTableFitsIntoItsPane)
 {
     add("a.wav", full());
+    window->resize(1300, 800); // Fonts may be wider elsewhere.
     window->show();
     QCoreApplication::processEvents();
     select({ 0 });
@@ -370,7 +369,7 @@ TEST_F(DetailPanes, rowsOfThePanesStandCloseTogether)
         for (int row = 0; row < 2; ++row) {
             const QWidget* label = form->itemAt(row, QFormLayout::LabelRole)->widget();
             const QWidget* value = form->itemAt(row, QFormLayout::FieldRole)->widget();
-            EXPECT_EQ(label->geometry().center().y(), value->geometry().center().y()) << pane << row;
+            EXPECT_NEAR(label->geometry().center().y(), value->geometry().center().y(), 1) << pane << row;
         }
     }
 }

@@ -397,6 +397,24 @@ TEST_F(Playing, afterARowAboveHasGoneAButtonPlaysItsOwnFile)
     EXPECT_EQ(playedFile(), "c.wav");
 }
 
+TEST_F(Playing, whileLaterRowsWaitForTheirButtonsAButtonPlaysItsOwnFile)
+{
+    addThree();
+    QStringList more;
+    for (int i = 0; i < 300; ++i) {
+        const std::string name = folder.file("more" + std::to_string(i) + ".wav");
+        writeBytes(name, "");
+        more.append(QString::fromStdString(name));
+    }
+    window->openFiles(more);
+    QToolButton* button = playButton(2);
+    table()->selectRow(0);
+    window->findChild<QPushButton*>("removeFileButton")->click();
+    ASSERT_EQ(playButton(301), nullptr);
+    button->click();
+    EXPECT_EQ(playedFile(), "c.wav");
+}
+
 TEST_F(Playing, clearClosesIt)
 {
     addThree();

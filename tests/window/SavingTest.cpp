@@ -468,9 +468,7 @@ TEST_F(SavingTest, savingIsOffAfterwardsAndStaysOffForTheSameSelection)
 
 TEST_F(SavingTest, aRefillThatChangesTheEditorsTurnsSavingOnAgain)
 {
-    TakeFields fields;
-    fields.tracks.clear(); // A refill of the track table counts as a touch, whatever it holds.
-    have(fields);
+    have({});
     hands().select({ 0 });
     hands().type("sceneEdit", ""); // Comes back from the file.
     saveAll(1);
