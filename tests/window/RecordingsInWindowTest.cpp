@@ -13,7 +13,22 @@ protected:
         const char* recordings = std::getenv("TAGWELL_RECORDINGS");
         if (recordings == nullptr)
             GTEST_SKIP() << "TAGWELL_RECORDINGS is unset: no real recordings to open";
-        std::filesystem::copy(recordings, folder.path(), std::filesystem::copy_options::recursive);
+        copyAll(recordings);
+    }
+
+    // The originals may be read-only, folders included; nobody but root could fill a copy of such a folder.
+    void copyAll(const std::filesystem::path& from)
+    {
+        namespace fs = std::filesystem;
+        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(from)) {
+            const fs::path target = folder.path() / entry.path().lexically_relative(from);
+            if (entry.is_directory()) {
+                fs::create_directory(target);
+            } else {
+                fs::copy_file(entry.path(), target);
+                fs::permissions(target, fs::perms::owner_write, fs::perm_options::add);
+            }
+        }
     }
 
     void open(const std::string& name) { window->openFiles({ path(name) }); }
