@@ -2,6 +2,7 @@
 
 #include "app/Theme.h"
 #include "core/BwfMetadataReader.h"
+#include "window/FileCellDelegate.h"
 #include "window/FileTableColumns.h"
 #include "window/MetadataTexts.h"
 #include "window/PlayColumnItem.h"
@@ -132,6 +133,8 @@ void MetadataManagerWindow::buildFileTable()
 {
     fileTable = named("fileTable", new QTableWidget(0, kFileColumnCount));
     fileTable->setAccessibleName(QStringLiteral("Files"));
+    fileCells = new FileCellDelegate(fileTable);
+    fileTable->setItemDelegate(fileCells);
     QStringList titles;
     for (const char* title : kFileHeaders)
         titles.append(QLatin1String(title));
@@ -234,8 +237,10 @@ void MetadataManagerWindow::fillFileRow(int row)
 
 void MetadataManagerWindow::fitFileColumns()
 {
+    fileCells->beginFitting();
     for (int column = indexOf(FileColumn::FileName); column < kFileColumnCount; ++column)
         fileTable->resizeColumnToContents(column);
+    fileCells->endFitting();
     fileTable->horizontalHeader()->setSectionResizeMode(indexOf(FileColumn::Play), QHeaderView::Fixed);
     fileTable->setColumnWidth(indexOf(FileColumn::Play), kPlayColumnWidth);
 }

@@ -12,6 +12,7 @@
 #include <functional>
 #include <optional>
 
+class FileCellDelegate;
 class FilePlaybackMixerDialog;
 class QCheckBox;
 class QFormLayout;
@@ -202,6 +203,7 @@ private:
     QString lastDirectory; ///< Folder remembered for the open panel in this run; empty at first.
     FilePlaybackMixerDialog* playbackOverlay = nullptr; ///< Open mixer. Not owned; cleared when it is destroyed.
 
+    FileCellDelegate* fileCells = nullptr; ///< Draws and measures the cells of `fileTable`, which owns it.
     QSet<QString> listedPaths; ///< The entries of `filePaths`, so that duplicates are found without a search.
     int rowsWithPlayButton = 0; ///< The rows above this one have their play button, the others wait for it.
     bool playButtonRoundIsDue = false; ///< The next ones come with a turn of the event loop, however many files follow.

@@ -218,6 +218,20 @@ TEST_F(FileTable, addingFitsTheColumnsButThePlayColumn)
     EXPECT_GT(table()->columnWidth(1), 200);
 }
 
+TEST_F(FileTable, columnsHaveRoomForTheirWidestText)
+{
+    add("a.wav", { .scene = "1", .tape = "1", .note = "1" });
+    add("b.wav", { .scene = "A scene of many words", .take = "1", .tape = "A roll with a name" });
+    add("c.wav", { .scene = "1", .take = "1", .note = "1" });
+    for (const FileColumn each : { FileColumn::Scene, FileColumn::TapeId }) {
+        const int fitted = table()->columnWidth(indexOf(each));
+        table()->setColumnWidth(indexOf(each), 500);
+        table()->resizeColumnToContents(indexOf(each));
+        EXPECT_EQ(table()->columnWidth(indexOf(each)), fitted);
+        EXPECT_GT(fitted, table()->horizontalHeader()->sectionSizeHint(indexOf(each)));
+    }
+}
+
 TEST_F(FileTable, addingNothingNewFitsTheColumnsToo)
 {
     add("a.wav", {});
