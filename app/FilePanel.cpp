@@ -16,6 +16,7 @@
 #include <QShortcut>
 #include <QStandardPaths>
 #include <QStyle>
+#include <QTextDocument>
 #include <QToolButton>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -198,7 +199,8 @@ void FilePanel::fillPlaces()
     const auto add = [this](const QString& name, const QString& path, QStyle::StandardPixmap icon) {
         auto* item = new QListWidgetItem(style()->standardIcon(icon), name, placesList);
         item->setData(Qt::UserRole, path);
-        item->setToolTip(path.toHtmlEscaped());
+        // Only a path that would be taken for markup is escaped: in any other the escapes would be seen.
+        item->setToolTip(Qt::mightBeRichText(path) ? path.toHtmlEscaped() : path);
     };
     add("Home", QDir::homePath(), QStyle::SP_DirHomeIcon);
     const QString desktop = QStandardPaths::writableLocation(QStandardPaths::DesktopLocation);

@@ -21,6 +21,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <utility>
 
 namespace {
 
@@ -378,6 +379,22 @@ TEST_F(FilePanelTest, aClickOnAPlaceGoesThere)
         QTest::mouseClick(places->viewport(), Qt::LeftButton, {}, places->visualItemRect(computer[0]).center());
         EXPECT_EQ(panel.location(), "/");
     });
+}
+
+TEST_F(FilePanelTest, aPlacesToolTipShowsItsPathAsItIs)
+{
+    const QByteArray home = qgetenv("HOME");
+    const std::pair<const char*, const char*> tips[]
+        = { { "Tom & Jerry", "/Tom & Jerry" }, { "<b>fat", "/&lt;b&gt;fat" } };
+    for (const auto& [name, tip] : tips) {
+        std::filesystem::create_directory(folder.file(name));
+        qputenv("HOME", QByteArray::fromStdString(folder.file(name)));
+        pick([tip = tip](const PanelHands& panel) {
+            const QString shown = panel.widget<QListWidget>("placesList")->item(0)->toolTip();
+            EXPECT_TRUE(shown.endsWith(QLatin1String(tip))) << shown.toStdString();
+        });
+    }
+    qputenv("HOME", home);
 }
 
 TEST_F(FilePanelTest, returnOnAPlaceGoesThere)
