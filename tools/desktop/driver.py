@@ -132,8 +132,17 @@ class Desktop:
         return self.program.wait(timeout=WAIT_SECONDS)
 
     def wait_for_exit(self):
-        """The program's exit status once it has ended by itself."""
-        return self.program.wait(timeout=WAIT_SECONDS)
+        """The program's exit status once it has ended by itself. NotFound with its windows if it doesn't."""
+        try:
+            return self.program.wait(timeout=WAIT_SECONDS)
+        except subprocess.TimeoutExpired:
+            raise NotFound("waited in vain for the program's end; its windows:\n" + self._tree_if_any()) from None
+
+    def _tree_if_any(self):
+        try:
+            return self.tree()
+        except gi.repository.GLib.Error as error:
+            return "no answer: %s" % error
 
     def close(self):
         if self.program is not None and self.program.poll() is None:
@@ -253,6 +262,13 @@ class Desktop:
         self.xdotool("click", "--repeat", times, "--delay", 60, button)
         if modifier:
             self.xdotool("keyup", modifier)
+
+    def activate(self, window):
+        """Clicks a window's title bar and waits until the window has the keyboard: keys sent right after the click may
+        still go to the window that had it before."""
+        self.click(window, at=(0.5, 0.02))
+        active = self.atspi.StateType.ACTIVE
+        wait_until(lambda: window.get_state_set().contains(active), "%r to become active" % window.get_name())
 
     def _pointer(self):
         words = subprocess.run(["xdotool", "getmouselocation", "--shell"], env=self.environment, check=True,

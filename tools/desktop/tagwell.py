@@ -20,8 +20,16 @@ class Tagwell:
         wait_until(lambda: self.row_count() == len(files), "a row for each file")
 
     def quit(self):
-        self.desktop.click(self.desktop.find("frame", "Tagwell"), at=(0.5, 0.02))
-        self.desktop.key("ctrl+q")
+        """Quits by the keyboard; the exit status."""
+        return self._end("ctrl+q")
+
+    def close(self):
+        """Closes the main window by the window manager's key; the exit status."""
+        return self._end("alt+F4")
+
+    def _end(self, key):
+        self.desktop.activate(self.desktop.find("frame", "Tagwell"))
+        self.desktop.key(key)
         return self.desktop.wait_for_exit()
 
     # The list
@@ -120,7 +128,7 @@ class Tagwell:
 
     def close_dialog(self, dialog):
         title = dialog.get_name()
-        self.desktop.click(dialog, at=(0.5, 0.02))
+        self.desktop.activate(dialog)
         self.desktop.key("alt+F4")
         self.desktop.gone("dialog", title)
 
