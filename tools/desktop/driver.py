@@ -91,8 +91,10 @@ class Desktop:
     def _start_display(self):
         read_end, write_end = os.pipe()
         screen = "%dx%dx24" % self.size
-        self._spawn(["Xvfb", "-displayfd", str(write_end), "-screen", "0", screen, "-nolisten", "tcp", "-dpi", "96"],
-                    pass_fds=[write_end], stdout=subprocess.DEVNULL)
+        # Without -noreset the server starts afresh when its last client leaves. A short visit before the window manager
+        # has come would do that, and throw out the window manager on its way in.
+        self._spawn(["Xvfb", "-displayfd", str(write_end), "-screen", "0", screen, "-nolisten", "tcp", "-dpi", "96",
+                     "-noreset"], pass_fds=[write_end], stdout=subprocess.DEVNULL)
         os.close(write_end)
         with os.fdopen(read_end) as pipe:
             number = pipe.readline().strip()
@@ -100,6 +102,12 @@ class Desktop:
             raise NotFound("Xvfb gave no display")
         self.environment["DISPLAY"] = ":" + number
         self._spawn(["openbox", "--sm-disable"], stdout=subprocess.DEVNULL)
+        wait_until(self._is_managed, "the window manager")
+
+    def _is_managed(self):
+        """Whether a window manager has said how many desktops there are."""
+        return subprocess.run(["xdotool", "get_num_desktops"], env=self.environment, stdout=subprocess.DEVNULL,
+                              stderr=subprocess.DEVNULL).returncode == 0
 
     def _start_bus(self):
         bus = self._spawn(["dbus-daemon", "--session", "--nofork", "--print-address=1"],
