@@ -1,6 +1,7 @@
 #include "app/FilePanel.h"
 
 #include "app/FolderModel.h"
+#include "app/PlainToolTip.h"
 #include "app/Theme.h"
 
 #include <QDialogButtonBox>
@@ -16,7 +17,6 @@
 #include <QShortcut>
 #include <QStandardPaths>
 #include <QStyle>
-#include <QTextDocument>
 #include <QToolButton>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -199,8 +199,7 @@ void FilePanel::fillPlaces()
     const auto add = [this](const QString& name, const QString& path, QStyle::StandardPixmap icon) {
         auto* item = new QListWidgetItem(style()->standardIcon(icon), name, placesList);
         item->setData(Qt::UserRole, path);
-        // Only a path that would be taken for markup is escaped: in any other the escapes would be seen.
-        item->setToolTip(Qt::mightBeRichText(path) ? path.toHtmlEscaped() : path);
+        item->setToolTip(plainToolTip(path));
     };
     add("Home", QDir::homePath(), QStyle::SP_DirHomeIcon);
     const QString desktop = QStandardPaths::writableLocation(QStandardPaths::DesktopLocation);

@@ -1,5 +1,6 @@
 #include "mixer/FilePlaybackMixerDialog.h"
 
+#include "app/PlainToolTip.h"
 #include "audio/TagwellAudioPlayer.h"
 #include "mixer/FaderSlider.h"
 #include "mixer/MeterWidget.h"
@@ -8,7 +9,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QTextDocument>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -65,12 +65,6 @@ QString numbered(const char* name, int track)
 QString labelStyle(const char* style, int pixels, const char* colour)
 {
     return QString::fromLatin1(style).arg(QString::number(pixels), QLatin1String(colour));
-}
-
-/// A tool tip that shows `text` as it is. One that looks like markup would be rendered, pictures off the disk included.
-QString plainToolTip(const QString& text)
-{
-    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
 }
 
 QLabel* makeNameLabel(int track, const QString& name, QWidget* strip)

@@ -385,7 +385,7 @@ TEST_F(FilePanelTest, aPlacesToolTipShowsItsPathAsItIs)
 {
     const QByteArray home = qgetenv("HOME");
     const std::pair<const char*, const char*> tips[]
-        = { { "Tom & Jerry", "/Tom & Jerry" }, { "<b>fat", "/&lt;b&gt;fat" } };
+        = { { "Tom & Jerry", "/Tom & Jerry" }, { "<b>fat", "/&lt;b&gt;fat</p>" }, { "a&lt;b", "/a&amp;lt;b</p>" } };
     for (const auto& [name, tip] : tips) {
         std::filesystem::create_directory(folder.file(name));
         qputenv("HOME", QByteArray::fromStdString(folder.file(name)));
