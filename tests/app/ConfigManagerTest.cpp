@@ -3,6 +3,7 @@
 #include "tests/support/TempFolder.h"
 
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -206,6 +207,22 @@ TEST_F(ConfigManagerTest, anUnknownKeySurvivesLoadAndSaveAndACommentDoesNot)
     EXPECT_NE(text.find("\nfamily.other=7\n"), std::string::npos);
     EXPECT_EQ(text.find("mine"), std::string::npos);
     EXPECT_EQ(text.find("yours"), std::string::npos);
+}
+
+TEST_F(ConfigManagerTest, aProcessThatDiesBehindASetterLeavesTheFileAsItWas)
+{
+    std::filesystem::create_directories(home.file(".config/Vorlund"));
+    writeBytes(defaultPath(), "a = old\n");
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        settings().setString("a", "new");
+        _exit(0);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(readBytes(defaultPath()), "a = old\n");
 }
 
 TEST_F(ConfigManagerTest, keysComeOutInByteOrder)

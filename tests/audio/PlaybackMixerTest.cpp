@@ -82,6 +82,7 @@ TEST(PlaybackMixer, resetToNoTracksMixesToZeros)
         mixer.mixToStereo(input.data(), 4, stereo.data(), peaks.data());
         EXPECT_EQ(stereo, std::vector<float>(8, 0.0F));
         EXPECT_EQ(peaks, std::vector<float>(2, 9.0F)) << "there are no tracks to report";
+        EXPECT_EQ(mixer.gain(0), 0.0F) << "no track 0";
     }
 }
 

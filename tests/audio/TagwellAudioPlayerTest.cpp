@@ -506,6 +506,19 @@ TEST_F(PlayerTest, anEmptyFileOpensAndStaysPlayingInSilence)
     EXPECT_EQ(player.durationSeconds(), 0.0);
 }
 
+TEST_F(PlayerTest, stopZeroesThePeaksOfAllTracks)
+{
+    const std::vector<float> samples(size_t{ 48000 } * 3, 0.5F);
+    ASSERT_TRUE(player.open(makeFloatFile(folder, "three.wav", 48000, 3, samples)));
+    ASSERT_TRUE(player.play());
+    hear(1000);
+    for (int32_t track = 0; track < 3; ++track)
+        EXPECT_EQ(player.trackPeak(track), 0.5F) << track;
+    player.stop();
+    for (int32_t track = 0; track < 3; ++track)
+        EXPECT_EQ(player.trackPeak(track), 0.0F) << track;
+}
+
 TEST_F(PlayerTest, trackPeaksAreThoseOfTheTracksAlone)
 {
     const size_t frames = 4800;

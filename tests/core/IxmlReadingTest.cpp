@@ -168,7 +168,16 @@ TEST(IxmlUbits, getADollarInFrontUnlessTheyHaveOne)
 
 TEST(IxmlSpeed, blockWithoutAClosingTagReachesToTheEnd)
 {
-    EXPECT_EQ(parse("<SPEED><TIMECODE_RATE>25</TIMECODE_RATE>").frameRate, 25.0);
+    const BwfMetadata record = parse("<SPEED><TIMECODE_RATE>25</TIMECODE_RATE><TIMECODE_FLAG>DF</TIMECODE_FLAG>"
+                                     "<TIMESTAMP_SAMPLE_RATE>48000</TIMESTAMP_SAMPLE_RATE>"
+                                     "<TIMESTAMP_SAMPLES_SINCE_MIDNIGHT_HI>0</TIMESTAMP_SAMPLES_SINCE_MIDNIGHT_HI>"
+                                     "<SCENE>12A</SCENE>"
+                                     "<TIMESTAMP_SAMPLES_SINCE_MIDNIGHT_LO>9</TIMESTAMP_SAMPLES_SINCE_MIDNIGHT_LO>");
+    EXPECT_EQ(record.frameRate, 25.0);
+    EXPECT_TRUE(record.dropFrame);
+    EXPECT_EQ(record.timestampSampleRate, 48000u);
+    EXPECT_EQ(record.timeReference, 9u);
+    EXPECT_EQ(record.scene, "12A");
 }
 
 TEST(IxmlSpeed, elementsOutsideTheBlockHaveNoEffect)
@@ -303,6 +312,9 @@ TEST(IxmlBext, blockNeedsBothEnds)
 {
     const std::string time = "<BWF_TIME_REFERENCE_LOW>9</BWF_TIME_REFERENCE_LOW>";
     EXPECT_EQ(parse("<BEXT>" + time).timeReference, 0u);
+    const std::string clock = "<BWF_ORIGINATION_TIME>01-02-03</BWF_ORIGINATION_TIME>";
+    EXPECT_EQ(parse("<BEXT>" + clock).originationTime, "");
+    EXPECT_EQ(parse("<BEXT>" + clock + "</BEXT>").originationTime, "01:02:03");
     EXPECT_EQ(parse(time + "</BEXT>").timeReference, 0u);
     EXPECT_EQ(parse("<Bext>" + time + "</Bext>").timeReference, 9u);
     EXPECT_EQ(parse("<BEXT>" + time + "</Bext>").timeReference, 9u);

@@ -234,7 +234,9 @@ TEST_F(Takes, withoutATimestampRateThereIsNoTimecode)
 
 TEST_F(Takes, withoutAFrameRateThereIsNoTimecode)
 {
-    EXPECT_EQ(readOne("a.wav", { .timecodeRate = "", .timeReference = 48000 }).timecodeIn, "");
+    const TakeInfo take = readOne("a.wav", { .timecodeRate = "", .timeReference = 48000 });
+    EXPECT_EQ(take.timecodeIn, "");
+    EXPECT_EQ(take.timecodeOut, "");
 }
 
 TEST_F(Takes, aNegativeFrameRateGivesNoTimecode)

@@ -339,6 +339,20 @@ TEST_F(OneTakeTimecode, anEmptyEntryChangesNothingWithoutAWord)
     EXPECT_EQ(button(), "01:00:00:00");
 }
 
+TEST_F(OneTakeTimecode, cancelAndADroppedEntryLeaveAnEarlierEntryStanding)
+{
+    edit([](const EntryHands& entry) { entry.enter("01000012"); });
+    edit([](const EntryHands& entry) {
+        entry.keys("02000000");
+        entry.press("cancelButton");
+    });
+    EXPECT_EQ(button(), "01:00:00:12");
+    edit([](const EntryHands& entry) { entry.enter("24000000"); });
+    EXPECT_EQ(button(), "01:00:00:12");
+    save();
+    EXPECT_EQ(inFile(0), 172823040u);
+}
+
 TEST_F(OneTakeTimecode, aCompleteEntryOutOfRangeAndMidnightAreDroppedWithoutAWord)
 {
     save();
