@@ -1,6 +1,6 @@
 #include "app/TagwellApplication.h"
 
-#include "app/WavArguments.h"
+#include "app/WavSuffix.h"
 #include "window/MetadataManagerWindow.h"
 
 #include <QFileOpenEvent>
@@ -14,7 +14,7 @@ bool TagwellApplication::event(QEvent* event)
 
     // A folder is not taken: folders come by drag and drop or through the open panel.
     const QString file = static_cast<QFileOpenEvent*>(event)->file();
-    if (file.isEmpty() || !hasWavSuffix(file) || mainWindow == nullptr)
+    if (file.isEmpty() || !hasWavSuffix(QFileInfo(file)) || mainWindow == nullptr)
         return QApplication::event(event);
 
     mainWindow->openFiles({ file });

@@ -4,9 +4,6 @@
 #include <QString>
 #include <QStringList>
 
-/// True if the path ends in the suffix "wav" in any case. Only the text is looked at.
-bool hasWavSuffix(const QString& path);
-
 /// The absolute paths of those command line arguments that exist and have the suffix "wav" in any case, in their
 /// order. The first argument is the program and is passed over; so is all else, without a word.
 /// A folder with such a name counts as well.

@@ -2,6 +2,7 @@
 
 #include "app/ConfigManager.h"
 #include "app/NativeFilePanel.h"
+#include "app/WavSuffix.h"
 #include "window/FileTableColumns.h"
 #include "window/FolderWalk.h"
 #include "window/PlayColumnItem.h"
@@ -25,11 +26,6 @@ namespace {
 constexpr char kLastDirectoryKey[] = "metadataManager.lastDir";
 /// Written by other programs of the family, only read here.
 constexpr char kLastRecordingKey[] = "lastRecording.folderPath";
-
-bool hasWavSuffix(const QFileInfo& file)
-{
-    return file.suffix().compare(QLatin1String("wav"), Qt::CaseInsensitive) == 0;
-}
 
 QList<QString> localPaths(const QMimeData* data)
 {
