@@ -873,6 +873,7 @@ TEST_F(MixerDialog, aFileWithoutFramesTicksAtZero)
     EXPECT_EQ(text("timeLabel"), "00:00 / 00:00");
     tick();
     EXPECT_EQ(text("timeLabel"), "00:00 / 00:00");
+    EXPECT_LE(playhead(), 0) << "at the start, where it is not drawn";
     clickWaveform(0.5);
     click("playPauseButton");
     tick();
