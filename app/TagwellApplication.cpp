@@ -1,6 +1,6 @@
 #include "app/TagwellApplication.h"
 
-#include "app/WavSuffix.h"
+#include "app/files/WavSuffix.h"
 #include "window/MetadataManagerWindow.h"
 
 #include <QFileOpenEvent>

@@ -1,9 +1,9 @@
-#include "app/ConfigManager.h"
 #include "app/MainMenu.h"
-#include "app/NativeFilePanel.h"
 #include "app/TagwellApplication.h"
-#include "app/Theme.h"
-#include "app/WavArguments.h"
+#include "app/files/NativeFilePanel.h"
+#include "app/files/WavArguments.h"
+#include "app/look/Theme.h"
+#include "app/settings/ConfigManager.h"
 #include "window/MetadataManagerWindow.h"
 
 #include <QIcon>

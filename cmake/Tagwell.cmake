@@ -42,6 +42,25 @@ function(tagwell_library name)
   endif()
 endfunction()
 
+# tagwell_write_links(FILE folder...): a line for each target of these folders: its name, its folder and what it links.
+# tools/check_layers.py compares them with its table.
+function(tagwell_write_links file)
+  set(lines "")
+  foreach(folder IN LISTS ARGN)
+    get_property(targets DIRECTORY "${PROJECT_SOURCE_DIR}/${folder}" PROPERTY BUILDSYSTEM_TARGETS)
+    foreach(target IN LISTS targets)
+      get_target_property(type ${target} TYPE)
+      get_target_property(linked ${target} LINK_LIBRARIES)
+      if(NOT type STREQUAL "UTILITY" AND linked)
+        list(FILTER linked EXCLUDE REGEX "[$ ]")
+        list(JOIN linked " " linked)
+        string(APPEND lines "${target} ${folder} ${linked}\n")
+      endif()
+    endforeach()
+  endforeach()
+  file(WRITE "${file}" "${lines}")
+endfunction()
+
 # tagwell_test(core TimecodeTest LINK libs ... [QT] [SOURCES more.cpp ...])
 # One executable out of <Name>.cpp, one CTest entry for each test in it, under the label given first.
 # With QT the executable gets a QApplication on the offscreen platform, and any Qt warning fails the test.

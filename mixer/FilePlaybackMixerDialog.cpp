@@ -1,6 +1,6 @@
 #include "mixer/FilePlaybackMixerDialog.h"
 
-#include "app/Theme.h"
+#include "app/look/Theme.h"
 #include "audio/TagwellAudioPlayer.h"
 #include "core/BwfMetadata.h"
 #include "core/Timecode.h"

@@ -1,6 +1,6 @@
 #include "mixer/FilePlaybackMixerDialog.h"
 
-#include "app/PlainToolTip.h"
+#include "app/look/PlainToolTip.h"
 #include "audio/TagwellAudioPlayer.h"
 #include "mixer/FaderSlider.h"
 #include "mixer/MeterWidget.h"

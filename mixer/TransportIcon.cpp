@@ -1,6 +1,6 @@
 #include "mixer/TransportIcon.h"
 
-#include "app/Theme.h"
+#include "app/look/Theme.h"
 
 #include <QColor>
 #include <QPainter>

@@ -1,6 +1,6 @@
 #include "report/SoundReportDialog.h"
 
-#include "app/ConfigManager.h"
+#include "app/settings/ConfigManager.h"
 
 #include <QDir>
 #include <QFileDialog>

@@ -1,6 +1,6 @@
 #include "window/MetadataManagerWindow.h"
 
-#include "app/Theme.h"
+#include "app/look/Theme.h"
 #include "core/BwfMetadataReader.h"
 #include "window/FileCellDelegate.h"
 #include "window/FileTableColumns.h"

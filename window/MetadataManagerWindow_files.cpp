@@ -1,10 +1,10 @@
 #include "window/MetadataManagerWindow.h"
 
-#include "app/ConfigManager.h"
-#include "app/NativeFilePanel.h"
-#include "app/WavSuffix.h"
+#include "app/files/FolderWalk.h"
+#include "app/files/NativeFilePanel.h"
+#include "app/files/WavSuffix.h"
+#include "app/settings/ConfigManager.h"
 #include "window/FileTableColumns.h"
-#include "window/FolderWalk.h"
 #include "window/PlayColumnItem.h"
 
 #include <QDir>

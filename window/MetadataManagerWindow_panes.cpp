@@ -1,7 +1,7 @@
 #include "window/MetadataManagerWindow.h"
 
-#include "app/ConfigManager.h"
-#include "app/Theme.h"
+#include "app/look/Theme.h"
+#include "app/settings/ConfigManager.h"
 #include "window/FileDragFilter.h"
 #include "window/FileTableColumns.h"
 #include "window/MetadataTexts.h"

@@ -1,6 +1,6 @@
 #include "window/MetadataManagerWindow.h"
 
-#include "app/Theme.h"
+#include "app/look/Theme.h"
 #include "mixer/FilePlaybackMixerDialog.h"
 #include "window/FileTableColumns.h"
 #include "window/TrackNames.h"

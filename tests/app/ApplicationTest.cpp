@@ -1,6 +1,6 @@
 #include "app/MainMenu.h"
 #include "app/TagwellApplication.h"
-#include "app/WavArguments.h"
+#include "app/files/WavArguments.h"
 #include "mixer/FilePlaybackMixerDialog.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/TestApplication.h"

@@ -1,4 +1,4 @@
-#include "app/NativeFilePanel.h"
+#include "app/files/NativeFilePanel.h"
 
 #include "tests/fakes/CocoaRuntime.h"
 

@@ -1,6 +1,6 @@
 // Any bytes as a settings file: what was loaded comes back the same from the file that a save makes of it.
 
-#include "app/ConfigManager.h"
+#include "app/settings/ConfigManager.h"
 
 #include "tests/support/TempFolder.h"
 

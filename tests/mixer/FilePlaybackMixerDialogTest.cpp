@@ -1,6 +1,6 @@
 #include "mixer/FilePlaybackMixerDialog.h"
 
-#include "app/Theme.h"
+#include "app/look/Theme.h"
 #include "core/BwfMetadata.h"
 #include "tests/support/DrivenOutput.h"
 #include "tests/support/TempFolder.h"

@@ -1,4 +1,4 @@
-#include "app/ConfigManager.h"
+#include "app/settings/ConfigManager.h"
 #include "report/SoundReportDialog.h"
 #include "tests/report/ReportFixture.h"
 

@@ -1,6 +1,6 @@
 #include "tests/report/ReportFixture.h"
 
-#include "app/ConfigManager.h"
+#include "app/settings/ConfigManager.h"
 #include "report/SoundReportDialog.h"
 #include "tests/support/WavBuilder.h"
 

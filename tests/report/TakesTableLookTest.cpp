@@ -1,4 +1,4 @@
-#include "app/Theme.h"
+#include "app/look/Theme.h"
 #include "report/SoundReportDialog.h"
 
 #include <QTableWidget>

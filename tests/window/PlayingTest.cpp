@@ -1,4 +1,4 @@
-#include "app/Theme.h"
+#include "app/look/Theme.h"
 #include "mixer/FilePlaybackMixerDialog.h"
 #include "tests/support/DrivenOutput.h"
 #include "tests/support/TempFolder.h"

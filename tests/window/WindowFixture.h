@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/ConfigManager.h"
+#include "app/settings/ConfigManager.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/WavBuilder.h"
 #include "window/FileTableColumns.h"

@@ -1,4 +1,4 @@
-#include "app/ConfigManager.h"
+#include "app/settings/ConfigManager.h"
 
 #include <fcntl.h>
 #include <locale.h>

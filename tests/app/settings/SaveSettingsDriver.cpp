@@ -1,6 +1,6 @@
 // Loads the settings file named first, sets one entry and saves to the same file. Its test stops it on the way.
 
-#include "app/ConfigManager.h"
+#include "app/settings/ConfigManager.h"
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-#include "app/FolderModel.h"
+#include "app/files/FolderModel.h"
 
 #include <QApplication>
 #include <QDateTime>

@@ -1,4 +1,4 @@
-#include "app/ConfigManager.h"
+#include "app/settings/ConfigManager.h"
 
 #include "tests/support/TempFolder.h"
 

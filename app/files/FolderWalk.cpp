@@ -1,4 +1,4 @@
-#include "window/FolderWalk.h"
+#include "app/files/FolderWalk.h"
 
 #include <QByteArrayView>
 #include <QFile>

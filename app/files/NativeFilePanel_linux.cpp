@@ -1,6 +1,6 @@
-#include "app/NativeFilePanel.h"
+#include "app/files/NativeFilePanel.h"
 
-#include "app/FilePanel.h"
+#include "app/files/FilePanel.h"
 
 QList<QString> macPickFilesOrFolders(QWidget* parent, const QString& startDirectory, const QString& title)
 {

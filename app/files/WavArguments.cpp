@@ -1,6 +1,6 @@
-#include "app/WavArguments.h"
+#include "app/files/WavArguments.h"
 
-#include "app/WavSuffix.h"
+#include "app/files/WavSuffix.h"
 
 QList<QString> wavArguments(const QStringList& arguments)
 {

@@ -1,8 +1,8 @@
-#include "app/FilePanel.h"
+#include "app/files/FilePanel.h"
 
-#include "app/FolderModel.h"
-#include "app/PlainToolTip.h"
-#include "app/Theme.h"
+#include "app/files/FolderModel.h"
+#include "app/look/PlainToolTip.h"
+#include "app/look/Theme.h"
 
 #include <QDialogButtonBox>
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "app/NativeFilePanel.h"
+#include "app/files/NativeFilePanel.h"
 
 #include <QWidget>
 

@@ -1,6 +1,6 @@
-#include "app/NativeFilePanel.h"
+#include "app/files/NativeFilePanel.h"
 
-#include "app/FolderModel.h"
+#include "app/files/FolderModel.h"
 #include "tests/support/TempFolder.h"
 
 #include <QAbstractButton>

@@ -1,4 +1,4 @@
-#include "app/Theme.h"
+#include "app/look/Theme.h"
 
 #include <QCheckBox>
 #include <QCryptographicHash>
