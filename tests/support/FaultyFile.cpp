@@ -1,5 +1,5 @@
-// A library to be loaded in front of the C library. It lets the n-th call of one kind on one file go wrong. What happens
-// is told by the environment:
+// A library to be loaded in front of the C library. It lets the n-th call of one kind on one file go wrong. What
+// happens is told by the environment:
 //   TAGWELL_FAULT_PATH   the file, absolute and without links
 //   TAGWELL_FAULT_ACCESS "read-write", or "read" for calls on the file while it is open for reading alone
 //   TAGWELL_FAULT_CALL   "open", "write", "read", "seek" or "close"
@@ -67,8 +67,8 @@ bool goesWrong(const char* call, int descriptor)
 bool openGoesWrong(const char* path, const char* mode)
 {
     const int access = std::strchr(mode, '+') ? O_RDWR : O_RDONLY;
-    return setting("TAGWELL_FAULT_CALL") == "open" && access == wantedAccess()
-        && setting("TAGWELL_FAULT_PATH") == path && isTheCall();
+    return setting("TAGWELL_FAULT_CALL") == "open" && access == wantedAccess() && setting("TAGWELL_FAULT_PATH") == path
+        && isTheCall();
 }
 
 ssize_t failedWith(int error)
