@@ -12,8 +12,10 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QSplitter>
+#include <QSplitterHandle>
 #include <QTableWidget>
 #include <QTextEdit>
 #include <QVBoxLayout>
@@ -72,6 +74,19 @@ void applyStoredSizes(QSplitter* splitter, std::span<const PaneSize> panes)
     const bool allUsable = std::all_of(stored.cbegin(), stored.cend(), [](int size) { return size > 0; });
     splitter->setSizes(allUsable ? stored : defaults);
 }
+
+/// Installed on a splitter's handle: when it is let go, the sizes that its moves have saved go to the disk.
+class HandleReleaseFilter : public QObject {
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::MouseButtonRelease)
+            (void)ConfigManager::getInstance().flushConfig();
+        return QObject::eventFilter(watched, event);
+    }
+};
 
 /// Adds a row with a label that shows a value of the selection. The row's text names it for assistive tools.
 QLabel* addValueRow(QFormLayout* form, const char* title, const char* name)
@@ -197,8 +212,18 @@ void MetadataManagerWindow::persistSplitterSizes()
 {
     storeSizes(filesSplitter, kFilesPaneSizes);
     storeSizes(detailSplitter, kDetailPaneSizes);
-    // Sizes that are forgotten at the next start are not worth a message.
-    (void)ConfigManager::getInstance().saveConfig({});
+    // Every move of a handle comes here, as often as the mouse reports. Another program may look at the file at any
+    // moment, so each move is written, but the disk is waited for only when the handle is let go: on a slow one the
+    // handle would stutter behind the mouse. Sizes that are forgotten at the next start are not worth a message.
+    (void)ConfigManager::getInstance().saveConfigUnflushed();
+}
+
+void MetadataManagerWindow::keepSizesOf(QSplitter* splitter)
+{
+    connect(splitter, &QSplitter::splitterMoved, this, &MetadataManagerWindow::persistSplitterSizes);
+    auto* const filter = new HandleReleaseFilter(splitter);
+    for (int i = 1; i < splitter->count(); ++i)
+        splitter->handle(i)->installEventFilter(filter);
 }
 
 void MetadataManagerWindow::restoreSplitterSizes()
