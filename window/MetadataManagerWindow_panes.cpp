@@ -92,6 +92,8 @@ public:
 QLabel* addValueRow(QFormLayout* form, const char* title, const char* name)
 {
     auto* value = named(name, new QLabel(noValueMark()));
+    // Values come out of files; one that looks like markup is still a value.
+    value->setTextFormat(Qt::PlainText);
     form->addRow(QLatin1String(title), value);
     return value;
 }
