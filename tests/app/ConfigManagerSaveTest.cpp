@@ -191,9 +191,13 @@ TEST_F(ConfigManagerSaveTest, killedAtAnyCallOfAnUnflushedSaveTheFileIsTheOldOne
 TEST_F(ConfigManagerSaveTest, whatWasSavedUnflushedIsFlushedOnceAfterwards)
 {
     const std::string log = folder.file("flushes");
-    EXPECT_EQ(save("-e trace=fsync -o '" + log + "'", "unflushed"), 0);
-    const std::string flushes = readBytes(log);
-    EXPECT_EQ(std::count(flushes.begin(), flushes.end(), '\n'), 1) << flushes;
+    for (const char* what : { "unflushed", "last" }) {
+        putOldFile();
+        EXPECT_EQ(save("-e trace=fsync -o '" + log + "'", what), 0) << what;
+        const std::string flushes = readBytes(log);
+        EXPECT_EQ(std::count(flushes.begin(), flushes.end(), '\n'), 1) << what << "\n" << flushes;
+        EXPECT_EQ(readBytes(target()), newFile()) << what;
+    }
     EXPECT_EQ(save("-o /dev/null -e inject=fsync:error=EIO", "unflushed"), 1) << "the flush tells that it failed";
 }
 

@@ -3,6 +3,7 @@
 //   unread      the load may fail
 //   many        saves as often as the fourth argument says
 //   unflushed   saves without waiting for the disk, and waits for it afterwards
+//   last        saves without waiting for the disk, and ends
 //   exhausted   leaves the save to the end of the settings, whose allocations fail from the one on that the fourth
 //               argument names, counted from 0
 
@@ -57,6 +58,13 @@ int saveUnflushed(ConfigManager& settings)
     return saved && settings.flushConfig() && settings.flushConfig() ? 0 : 1;
 }
 
+int endUnflushed(std::optional<OwnSettings>& settings)
+{
+    const bool saved = settings->saveConfigUnflushed();
+    settings.reset();
+    return saved ? 0 : 1;
+}
+
 int endExhausted(std::optional<OwnSettings>& settings, int allocations)
 {
     allocationsLeft = allocations;
@@ -101,6 +109,8 @@ int main(int argc, char** argv)
     settings->setString("new", argv[2]);
     if (what == "exhausted")
         return endExhausted(settings, number);
+    if (what == "last")
+        return endUnflushed(settings);
     int status = 0;
     if (what == "many")
         status = saveMany(*settings, path, number);
