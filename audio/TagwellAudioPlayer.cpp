@@ -49,6 +49,16 @@ TagwellAudioPlayer::~TagwellAudioPlayer()
 bool TagwellAudioPlayer::open(const std::string& path)
 {
     close();
+    try {
+        return openStopped(path);
+    } catch (...) {
+        close();
+        throw;
+    }
+}
+
+bool TagwellAudioPlayer::openStopped(const std::string& path)
+{
     if (!state->reader.open(path))
         return false;
     state->channels = state->reader.getChannels();

@@ -106,7 +106,7 @@ public:
     /// Makes the ring and starts the producer at the current position. `maxChannels` is the number of the file's first
     /// channels that the ring keeps; below 1 or above the file's number means all. Ignored when closed or running.
     /// Thread: owner. Allocates 256 KiB for each channel.
-    /// Throws std::system_error when the system refuses a thread.
+    /// Throws std::system_error when the system refuses a thread; the reader then isn't prefetching.
     void startPrefetch(int32_t maxChannels);
 
     /// Ends the producer and returns when it has ended; ignored without one. Reads go on synchronously from where

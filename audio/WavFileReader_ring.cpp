@@ -32,7 +32,12 @@ void WavFileReader::startPrefetch(int32_t maxChannels)
         return;
     prepareRing(maxChannels);
     prefetchRunning = true;
-    prefetchThread = std::thread(&WavFileReader::prefetchLoop, this);
+    try {
+        prefetchThread = std::thread(&WavFileReader::prefetchLoop, this);
+    } catch (...) {
+        prefetchRunning = false;
+        throw;
+    }
 }
 
 void WavFileReader::prepareRing(int32_t maxChannels)
