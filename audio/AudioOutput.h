@@ -20,11 +20,18 @@ struct Buffer {
     void* mData; ///< Owned by the caller of the render function. Null means that the buffer is to be left alone.
 };
 
-/// `mNumberBuffers` buffers, lying one behind the other from `mBuffers[0]` on. Use BufferListOf to make one.
+/// `mNumberBuffers` buffers, lying one behind the other from `mBuffers[0]` on: more than the member's type says, so
+/// they are reached by `buffersOf`. Use BufferListOf to make one.
 struct BufferList {
     uint32_t mNumberBuffers;
     Buffer mBuffers[1];
 };
+
+/// The first of the buffers of `list`; the others follow it.
+inline Buffer* buffersOf(BufferList* list)
+{
+    return reinterpret_cast<Buffer*>(reinterpret_cast<std::byte*>(list) + offsetof(BufferList, mBuffers));
+}
 
 /// Room for a list of up to `kBuffers` buffers, all of them empty at first.
 template <uint32_t kBuffers> class BufferListOf {
@@ -32,9 +39,9 @@ public:
     BufferListOf()
     {
         static_assert(kBuffers >= 1);
-        auto* made = new (storage) BufferList{ kBuffers, { { 0, 0, nullptr } } };
+        new (storage) BufferList{ kBuffers, { { 0, 0, nullptr } } };
         for (uint32_t i = 1; i < kBuffers; ++i)
-            new (made->mBuffers + i) Buffer{ 0, 0, nullptr };
+            new (buffersOf(list()) + i) Buffer{ 0, 0, nullptr };
     }
     BufferListOf(const BufferListOf&) = delete;
     BufferListOf& operator=(const BufferListOf&) = delete;
@@ -42,7 +49,7 @@ public:
     /// The list. Lives as long as this object.
     BufferList* list() { return std::launder(reinterpret_cast<BufferList*>(storage)); }
     /// Buffer `index`, 0 to `kBuffers` - 1.
-    Buffer& buffer(uint32_t index) { return list()->mBuffers[index]; }
+    Buffer& buffer(uint32_t index) { return buffersOf(list())[index]; }
 
 private:
     alignas(BufferList) std::byte storage[sizeof(BufferList) + (kBuffers - 1) * sizeof(Buffer)];

@@ -95,7 +95,7 @@ int32_t TagwellAudioPlayer::renderCallback(void* context, uint32_t* /*actionFlag
     Taken taken;
     taken.count = static_cast<PlayerState*>(context)->takeFrames(frames, taken.frames.data());
 
-    const Buffer* buffers = bufferList->mBuffers;
+    const Buffer* buffers = AudioOutput::buffersOf(bufferList);
     const uint32_t bufferCount = bufferList->mNumberBuffers;
     if (bufferCount >= 2 && buffers[0].mNumberChannels <= 1) {
         fillSeparate(buffers, bufferCount, frames, taken);
