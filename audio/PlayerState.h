@@ -16,9 +16,9 @@ namespace AudioOutput {
 struct Unit;
 }
 
-/// One frame of the stereo ring. Eight bytes, so that it moves in one piece. No initialisers, so that the render
-/// thread's stack array costs nothing.
-struct StereoFrame {
+/// One frame of the stereo ring. Eight bytes at a multiple of eight, so that it moves in one piece and not through a
+/// library's call. No initialisers, so that the render thread's stack array costs nothing.
+struct alignas(8) StereoFrame {
     float left;
     float right;
 };
