@@ -26,9 +26,8 @@ struct alignas(8) StereoFrame {
 /// The private state of TagwellAudioPlayer: what its threads share. For the player's own sources and its tests.
 ///
 /// The stereo ring lies between the mixer thread and the render thread:
-/// 1. Frame i of the ring lies in slot i & kStereoMask. The counters wrap at 32 bits, a multiple of the ring. Above
-/// each
-///    counter, in the same word, stands how often it was zeroed.
+/// 1. Frame i of the ring lies in slot i & kStereoMask. The counters wrap at 32 bits, a multiple of the ring. In the
+///    same word, above its counter, stands how often that was zeroed.
 /// 2. The mixer thread writes slots, then moves `stereoWrite` with release; the render thread loads it with acquire
 ///    before it reads them, and moves `stereoRead` likewise afterwards. One slot stays empty, or full would look like
 ///    empty.
