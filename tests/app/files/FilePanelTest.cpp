@@ -363,7 +363,7 @@ TEST_F(FilePanelTest, aTypedFileIsSelectedInItsFolder)
 
 TEST_F(FilePanelTest, aTypedPathThatDoesNotExistIsToldAndChangesNothing)
 {
-    pick([this](const PanelHands& panel) {
+    pick([](const PanelHands& panel) {
         panel.type("gone");
         EXPECT_EQ(panel.status(), "There is no such file or folder");
         EXPECT_EQ(panel.names().size(), 6);
