@@ -162,7 +162,7 @@ class Pictures:
         self.of_window("window")
         self.of_window("day-in-five-minutes", marks=[
             self.beside(self.button("Add...")),
-            self.desktop.point(self.cell(1, "File Name"), (0.9, 0.5)),
+            self.desktop.point(self.cell(3, "Notes"), (0.2, 0.5)),
             self.beside(self.desktop.find("text", "Scene:")),
             self.beside(self.button("Save Changes to Selected Files")),
             self.desktop.point(self.cell(2, ""), (0.05, 0.5)),
