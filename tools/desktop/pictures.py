@@ -329,14 +329,14 @@ class Pictures:
 
     def read_only_card(self):
         self.open_day()
-        subprocess.run(["mount", "-o", "remount,ro", str(self.card)], check=True)
+        subprocess.run(["mount", "-o", "remount,bind,ro", str(self.card)], check=True)
         self.window.select_rows([0])
         self.window.replace("Take:", "3")
         self.press_save()
         self.box("Error", "Failed to save metadata to:")
         self.of_window("card-read-only")
         self.close_program()
-        subprocess.run(["mount", "-o", "remount,rw", str(self.card)], check=True)
+        subprocess.run(["mount", "-o", "remount,bind,rw", str(self.card)], check=True)
 
     def no_sound(self):
         self.desktop.environment["PULSE_SERVER"] = "unix:" + str(self.card / "nothing")
