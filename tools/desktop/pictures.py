@@ -350,10 +350,11 @@ class Pictures:
         self.open_day()
         self.window.select_rows([0])
         general = self.desktop.rectangle(self.desktop.find("panel", "GENERAL"))
-        self.desktop.drag((general[0] + general[2] + 3, general[1] + 200), (general[0] + general[2] + 93, general[1] + 200))
+        right = general[0] + general[2] + 3
+        self.desktop.drag((right, general[1] + 200), (right + 90, general[1] + 200))
         buttons = self.desktop.rectangle(self.button("Clear"))
-        handle = (general[0] + 500, (buttons[1] + buttons[3] + general[1]) // 2 + 8)
-        self.desktop.drag(handle, (handle[0], handle[1] + 100))
+        between = (buttons[1] + buttons[3] + general[1]) // 2 + 8
+        self.desktop.drag((general[0] + 500, between), (general[0] + 500, between + 100))
         self.expect(lambda: "metadataManager.split.general" in self.settings().read_text(), "the panes' sizes")
         self.of_window("panes")
         self.close_program()
