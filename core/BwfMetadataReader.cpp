@@ -50,12 +50,27 @@ void computeDuration(uint64_t dataSize, BwfMetadata& record)
 BwfMetadata BwfMetadataReader::readMetadata(const std::string& path)
 {
     BwfMetadata record;
+    readSteps(path, record);
+    return record;
+}
+
+std::optional<BwfMetadata> BwfMetadataReader::readMetadataWhole(const std::string& path)
+{
+    std::optional<BwfMetadata> record(std::in_place);
+    if (!readSteps(path, *record))
+        record.reset();
+    return record;
+}
+
+// Each step goes its way, whatever has become of those in front of it.
+bool BwfMetadataReader::readSteps(const std::string& path, BwfMetadata& record)
+{
     std::ifstream stream;
     ChunkMap chunks;
-    readFileInfo(path, record, stream, chunks);
-    readBextChunk(path, record, stream, chunks);
-    readIxmlChunk(path, record, stream, chunks);
-    return record;
+    const bool first = readFileInfo(path, record, stream, chunks);
+    const bool second = readBextChunk(path, record, stream, chunks);
+    const bool third = readIxmlChunk(path, record, stream, chunks);
+    return first && second && third && !chunks.brokeOff();
 }
 
 void BwfMetadataReader::readFileInfo(const std::string& path, BwfMetadata& record)
@@ -67,7 +82,7 @@ void BwfMetadataReader::readFileInfo(const std::string& path, BwfMetadata& recor
 
 // The order of the searches matters: a file without `data` (without `ds64` in RF64) has failed the stream when the
 // format's turn comes, and so ends up with no format either.
-void BwfMetadataReader::readFileInfo(
+bool BwfMetadataReader::readFileInfo(
     const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks)
 {
     const std::filesystem::path file(path);
@@ -75,14 +90,15 @@ void BwfMetadataReader::readFileInfo(
     record.fileSize = std::filesystem::file_size(file);
     const OpenedFile opened(stream, path);
     if (!stream)
-        return;
+        return false;
     const bool isWave = chunks.begin(stream, record.fileSize);
     record.isRF64 = chunks.fileId() == "RF64";
     if (!isWave)
-        return;
+        return true;
     const uint64_t dataSize = dataSizeOf(stream, record.isRF64, chunks);
     readFormat(stream, record, chunks);
     computeDuration(dataSize, record);
+    return true;
 }
 
 bool BwfMetadataReader::findChunk(std::istream& stream, std::string_view id, uint32_t& size, uint32_t& position)

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,15 +21,21 @@ public:
     /// Throws std::filesystem::filesystem_error if there is no such file or it can't be examined.
     static BwfMetadata readMetadata(const std::string& path);
 
+    /// The same for somebody who is going to write: nothing if the file could not be read for what it is, be it that it
+    /// can't be opened, that a read is an error, or that a read gives less than the file has by its size. The end of
+    /// the file inside a chunk is none of these. Throws as `readMetadata`.
+    static std::optional<BwfMetadata> readMetadataWhole(const std::string& path);
+
     /// Fills in name, size, audio format, duration and whether the file is RF64.
-    /// Throws as `readMetadata`. A file that is no WAV file leaves the rest of the record as it is.
+    /// Throws as `readMetadata`. A file that can't be opened or is no WAV file leaves the rest of the record as it is.
     static void readFileInfo(const std::string& path, BwfMetadata& record);
 
-    /// Fills in the `bext` fields and a valid time reference. Without the chunk the record stays as it is; fields that
-    /// the end of the file cuts come out empty or 0.
+    /// Fills in the `bext` fields and a valid time reference. The record stays as it is if the file is missing, can't
+    /// be opened, is no WAV file or has no such chunk; fields that the end of the file cuts come out empty or 0.
     static void readBextChunk(const std::string& path, BwfMetadata& record);
 
-    /// Finds the `iXML` chunk and hands its text to `parseIxml`. Without the chunk the record stays as it is.
+    /// Finds the `iXML` chunk and hands its text to `parseIxml`. The record stays as it is if the file is missing,
+    /// can't be opened, is no WAV file or has no such chunk: then the Description isn't looked at either.
     static void readIxmlChunk(const std::string& path, BwfMetadata& record);
 
     /// Fills in the production fields, the timecode values and the track list from iXML text, then what is still
@@ -49,8 +56,11 @@ public:
     static uint64_t readUint64LE(std::istream& stream);
 
 private:
+    // All three into an empty record. False if they could not read the file whole.
+    static bool readSteps(const std::string& path, BwfMetadata& record);
     // The same with what the steps of one file share: a closed stream, and the chunks that have been met.
-    static void readFileInfo(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks);
-    static void readBextChunk(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks);
-    static void readIxmlChunk(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks);
+    // False if the file can't be opened.
+    static bool readFileInfo(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks);
+    static bool readBextChunk(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks);
+    static bool readIxmlChunk(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks);
 };

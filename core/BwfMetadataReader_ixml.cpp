@@ -341,16 +341,17 @@ void BwfMetadataReader::readIxmlChunk(const std::string& path, BwfMetadata& reco
 }
 
 // What the size claims beyond the end of the file would be NUL bytes, which hold no tag: no room is made for them.
-void BwfMetadataReader::readIxmlChunk(
+bool BwfMetadataReader::readIxmlChunk(
     const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks)
 {
     const OpenedFile opened(stream, path);
-    if (!stream || !chunks.begin(stream))
-        return;
-    const auto chunk = chunks.find(stream, "iXML");
-    if (!chunk)
-        return;
-    parseIxml(readUnpadded(stream, *chunk, chunks), record);
+    if (!stream)
+        return false;
+    if (!chunks.begin(stream))
+        return true;
+    if (const auto chunk = chunks.find(stream, "iXML"))
+        parseIxml(readUnpadded(stream, *chunk, chunks), record);
+    return true;
 }
 
 void BwfMetadataReader::parseIxml(std::string_view text, BwfMetadata& record)

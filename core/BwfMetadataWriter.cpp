@@ -240,7 +240,11 @@ bool saveIxml(std::fstream& file, ChunkSearch& chunks, const BwfMetadata& curren
 
 bool BwfMetadataWriter::writeMetadata(const std::string& path, const BwfMetadata& updated)
 {
-    const BwfMetadata current = BwfMetadataReader::readMetadata(path);
+    // What was not read would pass for empty here, and the Description that is built from it would lose its lines.
+    const std::optional<BwfMetadata> read = BwfMetadataReader::readMetadataWhole(path);
+    if (!read)
+        return false;
+    const BwfMetadata& current = *read;
     const Changes changes = changesBetween(current, updated);
     if (!changes.any())
         return true;

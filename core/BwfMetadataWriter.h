@@ -28,8 +28,9 @@ public:
     /// in `updated` means that the field stays; `circled` and `wildTrack` are always taken as values; tracks are
     /// compared by list position, name and function. True if at least one of the steps (Description,
     /// TimeReference, iXML) was carried out, or if there was nothing to do, in which case the file is not even
-    /// opened for writing. False if the file can't be opened for writing or no step could be done. Write errors
-    /// are not all seen. Throws std::filesystem::filesystem_error when the file is missing.
+    /// opened for writing. False, with nothing written, if the file can't be read whole (see
+    /// BwfMetadataReader::readMetadataWhole) or opened for writing; false if no step could be done. Write errors are
+    /// not all seen. Throws std::filesystem::filesystem_error when the file is missing.
     [[nodiscard]] static bool writeMetadata(const std::string& path, const BwfMetadata& updated);
 
     /// Overwrites the 256 bytes of the Description at `position`, the first byte of the `bext` payload: at most

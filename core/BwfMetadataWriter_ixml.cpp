@@ -7,9 +7,12 @@
 #include <string_view>
 #include <utility>
 
-// The text is edited by literal tags in upper case, without any knowledge of XML: a lower-case element is not seen,
-// and values go in byte for byte, "<" and "&" included. The reader works the same way, so the two agree on what an
-// element is.
+// The text is edited by literal tags, without any knowledge of XML, and values go in byte for byte, "<" and "&"
+// included. The reader knows literal tags, too, but not the same ones:
+//
+// 1. It also takes a lower-case element where there is no upper-case one. Here that is not seen, and an upper-case
+//    element is put in beside it, if the text may grow; the reader goes by that one from then on.
+// 2. It ends a value at the next "<" of any kind. Here the value reaches to the closing tag, nested elements included.
 
 namespace {
 
@@ -44,7 +47,7 @@ Element findElement(const std::string& text, std::string_view name)
 
 /// Reads the chunk in blocks, so that a size field that claims more than the file holds costs only what is there.
 /// The bytes that are missing would be NUL, which no search can find, and the short read leaves the stream failed,
-/// so that nothing is written back. `held` is the number of bytes that came.
+/// so that nothing is written back.
 std::string readText(std::fstream& stream, uint32_t position, uint32_t size)
 {
     stream.seekg(static_cast<std::streamoff>(position));

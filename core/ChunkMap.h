@@ -35,6 +35,9 @@ public:
     /// As ChunkWalk::available.
     uint64_t available(uint64_t offset, uint64_t count) const;
 
+    /// As ChunkWalk::brokeOff. False before `begin`.
+    bool brokeOff() const { return walk && walk->brokeOff(); }
+
     static constexpr std::array<std::string_view, 5> kKnownIds{ "data", "ds64", "fmt ", "bext", "iXML" };
 
 private:

@@ -83,9 +83,18 @@ std::size_t ChunkWalk::read(std::istream& stream, uint64_t offset, char* target,
             return count;
         }
     }
+    return fetch(stream, offset, target, count);
+}
+
+// A seek that fails leaves the stream failed in front of the end of the file, as an error in the read does.
+std::size_t ChunkWalk::fetch(std::istream& stream, uint64_t offset, char* target, std::size_t count)
+{
     stream.seekg(static_cast<std::streamoff>(offset));
     stream.read(target, static_cast<std::streamsize>(count));
-    return stream.bad() ? 0 : static_cast<std::size_t>(stream.gcount());
+    const std::size_t arrived = stream.bad() ? 0 : static_cast<std::size_t>(stream.gcount());
+    const bool endedInError = stream.fail() && !stream.eof();
+    broken = broken || endedInError || arrived < available(offset, count);
+    return arrived;
 }
 
 uint64_t ChunkWalk::available(uint64_t offset, uint64_t count) const
@@ -105,7 +114,10 @@ const ChunkWalk::Block* ChunkWalk::blockWith(std::istream& stream, uint64_t offs
     if (count > wanted)
         return nullptr;
     Block& block = head.capacity == 0 ? head : later;
-    block.load(stream, offset, static_cast<std::size_t>(available(offset, wanted)));
+    const auto held = static_cast<std::size_t>(available(offset, wanted));
+    block.reserve(held);
+    block.begin = offset;
+    block.size = fetch(stream, offset, block.bytes.get(), held);
     return block.holds(offset, count) ? &block : nullptr;
 }
 
@@ -118,16 +130,12 @@ std::size_t ChunkWalk::blockBytesAt(uint64_t offset) const
     return close ? std::clamp(last.size * 2, kSmallBlockBytes, kLargeBlockBytes) : kSmallBlockBytes;
 }
 
-void ChunkWalk::Block::load(std::istream& stream, uint64_t offset, std::size_t count)
+void ChunkWalk::Block::reserve(std::size_t count)
 {
-    if (count > capacity) {
-        bytes = std::make_unique_for_overwrite<char[]>(count);
-        capacity = count;
-    }
-    stream.seekg(static_cast<std::streamoff>(offset));
-    stream.read(bytes.get(), static_cast<std::streamsize>(count));
-    begin = offset;
-    size = stream.bad() ? 0 : static_cast<std::size_t>(stream.gcount());
+    if (count <= capacity)
+        return;
+    bytes = std::make_unique_for_overwrite<char[]>(count);
+    capacity = count;
 }
 
 uint16_t littleEndian16(const char* bytes)

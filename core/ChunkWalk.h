@@ -46,6 +46,9 @@ public:
     /// Bytes of the file from `offset` on, at most `count`.
     uint64_t available(uint64_t offset, uint64_t count) const;
 
+    /// True once a read was an error or gave less than the file holds, on any stream. The end of the file is neither.
+    bool brokeOff() const { return broken; }
+
 private:
     struct Block {
         std::unique_ptr<char[]> bytes;
@@ -55,14 +58,16 @@ private:
 
         uint64_t end() const { return begin + size; }
         bool holds(uint64_t offset, uint64_t count) const { return offset >= begin && offset + count <= end(); }
-        void load(std::istream& stream, uint64_t offset, std::size_t count);
+        void reserve(std::size_t count); ///< What it held is lost if it grows.
     };
 
+    std::size_t fetch(std::istream& stream, uint64_t offset, char* target, std::size_t count);
     const Block* blockWith(std::istream& stream, uint64_t offset, std::size_t count);
     std::size_t blockBytesAt(uint64_t offset) const;
     void skipEmptyChunks();
 
     uint64_t fileEnd = 0;
+    bool broken = false;
     uint64_t position = kFirstChunk;
     Block head; // The first bytes that were read. They are kept, since most of what is wanted later stands there.
     Block later; // Whatever was read last behind them.

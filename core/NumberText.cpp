@@ -68,12 +68,6 @@ std::optional<double> parseMagnitude(std::string_view text)
     return value;
 }
 
-// With d decimals, exact halves are the odd multiples of 1 / 2^(d + 1) and nothing else.
-bool isHalf(double value, int decimals)
-{
-    return std::fabs(std::fmod(std::ldexp(value, decimals + 1), 2.0)) == 1.0;
-}
-
 } // namespace
 
 namespace NumberText {
@@ -109,9 +103,6 @@ std::optional<double> parseDouble(std::string_view text)
 
 std::string formatFixed(double value, int decimals)
 {
-    // to_chars takes exact halves to the even digit. The next double away from zero lies just behind the half.
-    if (std::isfinite(value) && isHalf(value, decimals))
-        value = std::nextafter(value, std::copysign(std::numeric_limits<double>::infinity(), value));
     std::array<char, std::numeric_limits<double>::max_exponent10 + 20> digits{};
     const std::to_chars_result result
         = std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed, decimals);

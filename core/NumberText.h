@@ -22,7 +22,7 @@ std::optional<uint64_t> parseUnsigned(std::string_view text);
 std::optional<double> parseDouble(std::string_view text);
 
 /// Fixed notation with a point and exactly `decimals` digits behind it (0 to 15). The value is rounded by its exact
-/// binary value, halves away from zero. Infinities are "inf" and "-inf", not-a-number is "nan" or "-nan".
+/// binary value, an exact half to the even digit. Infinities are "inf" and "-inf", not-a-number is "nan" or "-nan".
 std::string formatFixed(double value, int decimals);
 
 /// The text with a to z as A to Z; all other bytes stay.

@@ -2,6 +2,7 @@
 
 #include "core/BwfMetadata.h"
 
+#include <QHash>
 #include <QIcon>
 #include <QList>
 #include <QMainWindow>
@@ -145,9 +146,17 @@ private:
     void showSeveralRows(qsizetype count);
     void showTracks(const std::vector<BwfTrack>& tracks);
 
-    /// What the editors want written, into the one selected file or into each of several. A text that is left empty
-    /// keeps what the file has; the two flags know no such state and always go along.
-    BwfMetadata updateRecord(bool forOneFile) const;
+    /// Fills an editor and keeps what it then shows.
+    void fillText(QLineEdit* edit, const QString& text);
+    void fillText(QTextEdit* edit, const QString& text);
+    /// The editor shows what it was filled with, be it that it was not touched or that all was taken back.
+    bool isAsFilled(const QLineEdit* edit) const;
+    bool isAsFilled(const QTextEdit* edit) const;
+
+    /// What the editors want written into the file of `record`, which is the one that is selected or one of several.
+    /// Where an editor or a cell is as it was filled, these are the record's own bytes, elsewhere the text as UTF-8.
+    /// A text that is left empty keeps what the file has; the two flags know no such state and always go along.
+    BwfMetadata updateRecord(const BwfMetadata& record, bool forOneFile) const;
     /// Writes `update` into the row's file, with a warning if that fails. The row is in range.
     void writeRow(int row, const BwfMetadata& update);
     /// Replaces the row's record by what its file says now, and refreshes the cells that can have changed. The row is
@@ -208,5 +217,6 @@ private:
     int rowsWithPlayButton = 0; ///< The rows above this one have their play button, the others wait for it.
     bool playButtonRoundIsDue = false; ///< The next ones come with a turn of the event loop, however many files follow.
     QIcon playIcon; ///< Shared by all play buttons; drawn for the first one.
+    QHash<const QWidget*, QString> filledTexts; ///< By text editor: what it showed when it had just been filled.
     std::optional<QList<int>> rowsOfFill; ///< Selected rows while the panes are filled, worked out once for all fields.
 };

@@ -22,17 +22,6 @@ QString orMark(const QString& text)
     return text.isEmpty() ? noValueMark() : text;
 }
 
-/// Fills a text edit as QLineEdit::setText fills a line edit. QTextEdit reports even an equal text as a change, which
-/// would count as a touch of the editors.
-void fill(QTextEdit* edit, const QString& text)
-{
-    // Compared as documents: what the edit gives back has lost the kinds of blanks and line ends.
-    QTextDocument wanted;
-    wanted.setPlainText(text);
-    if (edit->document()->toRawText() != wanted.toRawText())
-        edit->setPlainText(text);
-}
-
 /// Fills a cell of the track table. An item that is there already stays, so that only a text that differs counts as
 /// a change. Interleave and channel are facts of the file and can't be edited.
 void setTrackCell(QTableWidget* table, int row, TrackColumn column, const QString& text)
@@ -103,6 +92,35 @@ void MetadataManagerWindow::updateMetadataDisplay()
     saveButton->setEnabled(dirty);
 }
 
+void MetadataManagerWindow::fillText(QLineEdit* edit, const QString& text)
+{
+    edit->setText(text);
+    filledTexts[edit] = edit->text();
+}
+
+// As QLineEdit::setText fills a line edit: QTextEdit reports even an equal text as a change, which would count as a
+// touch of the editors.
+void MetadataManagerWindow::fillText(QTextEdit* edit, const QString& text)
+{
+    // Compared as documents: what the edit gives back has lost the kinds of blanks and line ends.
+    QTextDocument wanted;
+    wanted.setPlainText(text);
+    const QString shown = wanted.toRawText();
+    if (edit->document()->toRawText() != shown)
+        edit->setPlainText(text);
+    filledTexts[edit] = shown;
+}
+
+bool MetadataManagerWindow::isAsFilled(const QLineEdit* edit) const
+{
+    return filledTexts.value(edit) == edit->text();
+}
+
+bool MetadataManagerWindow::isAsFilled(const QTextEdit* edit) const
+{
+    return filledTexts.value(edit) == edit->document()->toRawText();
+}
+
 void MetadataManagerWindow::showNoRow()
 {
     for (QLabel* label : { currentFileLabel, channelsLabel, sampleRateLabel, tcSampleRateLabel, frameRateLabel,
@@ -110,8 +128,8 @@ void MetadataManagerWindow::showNoRow()
         label->setText(noValueMark());
     timecodeButton->setText(noValueMark());
     for (QLineEdit* edit : { sceneEdit, takeEdit, projectEdit, tapeIdEdit })
-        edit->clear();
-    fill(notesEdit, {});
+        fillText(edit, {});
+    fillText(notesEdit, {});
     circledCheck->setChecked(false);
     wildTrackCheck->setChecked(false);
 }
@@ -120,14 +138,14 @@ void MetadataManagerWindow::showOneRow(const BwfMetadata& record)
 {
     currentFileLabel->setText(textFromUtf8(record.fileName));
     channelsLabel->setText(QString::number(record.channels));
-    sceneEdit->setText(textFromUtf8(record.scene));
+    fillText(sceneEdit, textFromUtf8(record.scene));
     takeEdit->setEnabled(true);
-    takeEdit->setText(textFromUtf8(record.take));
+    fillText(takeEdit, textFromUtf8(record.take));
     circledCheck->setChecked(record.circled);
     wildTrackCheck->setChecked(record.wildTrack);
-    projectEdit->setText(textFromUtf8(record.project));
-    tapeIdEdit->setText(textFromUtf8(record.tape));
-    fill(notesEdit, textFromUtf8(record.note));
+    fillText(projectEdit, textFromUtf8(record.project));
+    fillText(tapeIdEdit, textFromUtf8(record.tape));
+    fillText(notesEdit, textFromUtf8(record.note));
 
     const uint32_t rate = timecodeRate(record);
     sampleRateLabel->setText(hertzText(record.sampleRate));
@@ -147,19 +165,20 @@ void MetadataManagerWindow::showSeveralRows(qsizetype count)
     currentFileLabel->setText(QStringLiteral("%1 files selected").arg(count));
     channelsLabel->setText(
         getCommonValue(QStringLiteral("channels"), [](const BwfMetadata& r) { return QString::number(r.channels); }));
-    sceneEdit->setText(
-        getCommonValue(QStringLiteral("scene"), [](const BwfMetadata& r) { return textFromUtf8(r.scene); }));
+    fillText(
+        sceneEdit, getCommonValue(QStringLiteral("scene"), [](const BwfMetadata& r) { return textFromUtf8(r.scene); }));
     // A take is never shared, not even if all files say the same.
     takeEdit->setEnabled(false);
-    takeEdit->setText(noValueMark());
+    fillText(takeEdit, noValueMark());
     circledCheck->setChecked(getCommonBool(QStringLiteral("circled"), [](const BwfMetadata& r) { return r.circled; }));
     wildTrackCheck->setChecked(
         getCommonBool(QStringLiteral("wildTrack"), [](const BwfMetadata& r) { return r.wildTrack; }));
-    projectEdit->setText(
+    fillText(projectEdit,
         getCommonValue(QStringLiteral("project"), [](const BwfMetadata& r) { return textFromUtf8(r.project); }));
-    tapeIdEdit->setText(
-        getCommonValue(QStringLiteral("tape"), [](const BwfMetadata& r) { return textFromUtf8(r.tape); }));
-    fill(notesEdit, getCommonValue(QStringLiteral("notes"), [](const BwfMetadata& r) { return textFromUtf8(r.note); }));
+    fillText(
+        tapeIdEdit, getCommonValue(QStringLiteral("tape"), [](const BwfMetadata& r) { return textFromUtf8(r.tape); }));
+    fillText(
+        notesEdit, getCommonValue(QStringLiteral("notes"), [](const BwfMetadata& r) { return textFromUtf8(r.note); }));
 
     sampleRateLabel->setText(
         getCommonValue(QStringLiteral("sampleRate"), [](const BwfMetadata& r) { return hertzText(r.sampleRate); }));

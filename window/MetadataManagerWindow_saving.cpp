@@ -25,22 +25,26 @@ constexpr FileColumn kRefreshedColumns[] = {
     FileColumn::Notes,
 };
 
-QString cellText(const QTableWidget* table, int row, TrackColumn column)
+/// The cell's text as UTF-8, or `own` while the cell shows just that.
+std::string cellBytes(const QTableWidget* table, int row, TrackColumn column, const std::string& own)
 {
     const QTableWidgetItem* item = table->item(row, indexOf(column));
-    return item ? item->text() : QString();
+    const QString text = item ? item->text() : QString();
+    return text == textFromUtf8(own) ? own : text.toStdString();
 }
 
-/// The list as it stands in the table. A channel that is no number counts as 0.
-std::vector<BwfTrack> tracksOf(const QTableWidget* table)
+/// The list as it stands in the table that was filled from `filled`. A channel that is no number counts as 0.
+std::vector<BwfTrack> tracksOf(const QTableWidget* table, const std::vector<BwfTrack>& filled)
 {
     std::vector<BwfTrack> tracks;
     for (int row = 0; row < table->rowCount(); ++row) {
-        BwfTrack track;
+        const auto index = static_cast<size_t>(row);
+        const BwfTrack own = index < filled.size() ? filled[index] : BwfTrack();
         const QTableWidgetItem* channel = table->item(row, indexOf(TrackColumn::Channel));
+        BwfTrack track;
         track.channelIndex = channel ? channel->text().toInt() : row + 1;
-        track.name = cellText(table, row, TrackColumn::Name).toStdString();
-        track.function = cellText(table, row, TrackColumn::Function).toStdString();
+        track.name = cellBytes(table, row, TrackColumn::Name, own.name);
+        track.function = cellBytes(table, row, TrackColumn::Function, own.function);
         tracks.push_back(std::move(track));
     }
     return tracks;
@@ -48,24 +52,31 @@ std::vector<BwfTrack> tracksOf(const QTableWidget* table)
 
 } // namespace
 
-BwfMetadata MetadataManagerWindow::updateRecord(bool forOneFile) const
+// The editors show what Unicode makes of the bytes. Put back from there, bytes of another character set, a byte order
+// mark, and in the notes the kinds of blanks and line ends would be lost, in fields that nobody touched.
+BwfMetadata MetadataManagerWindow::updateRecord(const BwfMetadata& record, bool forOneFile) const
 {
-    // Over several files the mark stands for values that differ, which each file keeps; for one it is a text.
-    const auto wanted = [forOneFile](const QString& text) {
-        return forOneFile || text != noValueMark() ? text.toStdString() : std::string();
+    const auto wanted = [forOneFile](const QString& text, bool asFilled, const std::string& own) {
+        // Over several files the mark stands for values that differ, which each file keeps; for one it is a text.
+        if (!forOneFile && text == noValueMark())
+            return std::string();
+        return asFilled ? own : text.toStdString();
+    };
+    const auto line = [this, &wanted](const QLineEdit* edit, const std::string& own) {
+        return wanted(edit->text(), isAsFilled(edit), own);
     };
     BwfMetadata update;
     // A mix of flags shows as unchecked, and so saving takes the flag from all.
     update.circled = circledCheck->isChecked();
     update.wildTrack = wildTrackCheck->isChecked();
-    update.scene = wanted(sceneEdit->text());
-    update.project = wanted(projectEdit->text());
-    update.tape = wanted(tapeIdEdit->text());
-    update.note = wanted(notesEdit->toPlainText());
+    update.scene = line(sceneEdit, record.scene);
+    update.project = line(projectEdit, record.project);
+    update.tape = line(tapeIdEdit, record.tape);
+    update.note = wanted(notesEdit->toPlainText(), isAsFilled(notesEdit), record.note);
     if (forOneFile) {
-        update.take = wanted(takeEdit->text());
+        update.take = line(takeEdit, record.take);
         update.timeReference = pendingTimeReference;
-        update.tracks = tracksOf(trackTable);
+        update.tracks = tracksOf(trackTable, record.tracks);
     }
     return update;
 }
@@ -96,10 +107,9 @@ void MetadataManagerWindow::onSaveChanges()
 
     // One after the other, and nothing is undone: a file that fails has its warning, and the batch goes on. All files
     // are read back, those that failed too: the file is the truth.
-    const BwfMetadata update = updateRecord(rows.size() == 1);
     for (const int row : rows) {
         if (hasRecord(row))
-            writeRow(row, update);
+            writeRow(row, updateRecord(records.at(row), rows.size() == 1));
     }
     for (const int row : rows) {
         if (hasRecord(row))

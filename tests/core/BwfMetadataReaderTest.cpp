@@ -57,7 +57,31 @@ BextFields fullBext()
     return fields;
 }
 
-constexpr uid_t kNobody = 65534;
+/// A file, in a temporary folder, that this process may not open as long as the object lives.
+class Unreadable {
+public:
+    explicit Unreadable(const std::string& path)
+    {
+        std::filesystem::permissions(std::filesystem::path(path).parent_path(), std::filesystem::perms(0755));
+        std::filesystem::permissions(path, std::filesystem::perms::none);
+        // The rights of a file don't bind root.
+        if (wasRoot) {
+            EXPECT_EQ(seteuid(kNobody), 0);
+        }
+    }
+    ~Unreadable()
+    {
+        if (wasRoot) {
+            EXPECT_EQ(seteuid(0), 0);
+        }
+    }
+    Unreadable(const Unreadable&) = delete;
+    Unreadable& operator=(const Unreadable&) = delete;
+
+private:
+    static constexpr uid_t kNobody = 65534;
+    const bool wasRoot = geteuid() == 0;
+};
 
 const std::string kIxml = "<BWFXML><SCENE>12A</SCENE><SPEED><TIMECODE_RATE>25/1</TIMECODE_RATE></SPEED></BWFXML>";
 
@@ -107,13 +131,8 @@ TEST_F(ReadMetadata, otherFormTypeKeepsTheRf64MarkAlone)
 TEST_F(ReadMetadata, fileThatCannotBeOpenedHasNameAndSizeAlone)
 {
     writeBytes(folder.file("take.wav"), plain().bytes());
-    std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
-    std::filesystem::permissions(folder.file("take.wav"), std::filesystem::perms::none);
-    // The rights of a file don't bind root.
-    const bool isRoot = geteuid() == 0;
-    ASSERT_TRUE(!isRoot || seteuid(kNobody) == 0);
+    const Unreadable unreadable(folder.file("take.wav"));
     const BwfMetadata record = BwfMetadataReader::readMetadata(folder.file("take.wav"));
-    ASSERT_TRUE(!isRoot || seteuid(0) == 0);
     EXPECT_EQ(recordText(record), unknown("take.wav", plain().bytes().size()));
 }
 
@@ -340,9 +359,50 @@ TEST_F(ReadMetadata, singleStepsReadTheSameAsAllTogether)
 TEST_F(ReadMetadata, singleStepsOnAMissingFileLeaveTheRecordAlone)
 {
     BwfMetadata record;
+    record.description = "SCENE=1";
+    const std::string before = recordText(record);
     BwfMetadataReader::readBextChunk(folder.file("none.wav"), record);
     BwfMetadataReader::readIxmlChunk(folder.file("none.wav"), record);
-    EXPECT_EQ(recordText(record), recordText(BwfMetadata()));
+    EXPECT_EQ(recordText(record), before);
+}
+
+TEST_F(ReadMetadata, singleStepsOnAFileThatCannotBeOpenedLeaveTheRecordAlone)
+{
+    const std::string path = folder.file("take.wav");
+    plain().bext(fullBext()).ixml(kIxml).write(path);
+    BwfMetadata record;
+    record.description = "SCENE=1";
+    const std::string before = recordText(record);
+    const Unreadable unreadable(path);
+    BwfMetadataReader::readBextChunk(path, record);
+    BwfMetadataReader::readIxmlChunk(path, record);
+    EXPECT_EQ(recordText(record), before);
+}
+
+TEST_F(ReadMetadata, wholeReadIsTheSameRecordWhereverTheFileEnds)
+{
+    const std::string bytes
+        = WavBuilder().fmt(48000, 1, 16).bext(fullBext()).dataFrames(20).ixml(kIxml).claimSize("iXML", 9000).bytes();
+    for (size_t size = 0; size <= bytes.size(); ++size) {
+        const std::string plainRecord = recordText(read(bytes.substr(0, size)));
+        const auto whole = BwfMetadataReader::readMetadataWhole(folder.file("take.wav"));
+        ASSERT_TRUE(whole) << size;
+        ASSERT_EQ(recordText(*whole), plainRecord) << size;
+    }
+}
+
+TEST_F(ReadMetadata, wholeReadOfAFileThatCannotBeOpenedIsNothing)
+{
+    const std::string path = folder.file("take.wav");
+    plain().write(path);
+    const Unreadable unreadable(path);
+    EXPECT_FALSE(BwfMetadataReader::readMetadataWhole(path));
+}
+
+TEST_F(ReadMetadata, wholeReadOfAMissingFileThrowsAsTheOtherDoes)
+{
+    EXPECT_THROW(
+        (void)BwfMetadataReader::readMetadataWhole(folder.file("none.wav")), std::filesystem::filesystem_error);
 }
 
 TEST_F(ReadMetadata, fileIsNotChanged)

@@ -102,7 +102,8 @@ protected:
         fs::remove(mark);
         const ProcessResult result = save(fields,
             { "LD_PRELOAD=" FAULTY_FILE_LIBRARY, "TAGWELL_FAULT_PATH=" + path, "TAGWELL_FAULT_CALL=" + call,
-                "TAGWELL_FAULT_AT=" + std::to_string(at), "TAGWELL_FAULT_HOW=" + how, "TAGWELL_FAULT_MARK=" + mark });
+                "TAGWELL_FAULT_AT=" + std::to_string(at), "TAGWELL_FAULT_HOW=" + how, "TAGWELL_FAULT_MARK=" + mark,
+                "TAGWELL_FAULT_ACCESS=" + access });
         faultHappened = fs::exists(mark);
         return result;
     }
@@ -137,6 +138,7 @@ protected:
     TempFolder folder;
     TempFolder marks;
     bool faultHappened = false;
+    std::string access = "read-write"; ///< How the file is open when the fault happens.
     std::string path = folder.file("take.wav");
     std::string driver = SAVE_DRIVER;
     WavBuilder builder;
@@ -307,6 +309,131 @@ TEST_F(WriterFaultTest, errorInClosingHasNoEffect)
     EXPECT_EQ(writesDone(), 3);
     again();
     EXPECT_EQ(saveWithSureFault("close", 1, "error", { "circled=true" }).exitCode, kFalse) << "no room for the element";
+    EXPECT_EQ(proof->untouched(), "");
+}
+
+// The read in front of the save.
+
+namespace {
+
+struct Layout {
+    const char* name;
+    WavBuilder file;
+};
+
+/// Where the metadata can stand to the audio, and files in which a search runs off the end.
+std::vector<Layout> layouts()
+{
+    BextFields bext;
+    bext.description = "aSCENE=12\naTAKE=3\naTAG=Film\naNOTE=wind\naTRK1=Boom\n";
+    bext.codingHistory = std::string(800, 'h');
+    // Its rate goes into the Description: a save that has not read it writes another one.
+    const std::string ixml = "<BWFXML><SPEED><TIMECODE_RATE>25/1</TIMECODE_RATE></SPEED><TAKE>3</TAKE></BWFXML>";
+    constexpr size_t kFrames = 30000; // More than all that is read ahead.
+
+    std::vector<Layout> result(5);
+    result[0].name = "in front of the audio";
+    result[0].file.fmt(48000, 1, 24).bext(bext).ixmlPadded(ixml, kIxmlBytes, '\0').dataFrames(kFrames);
+    result[1].name = "behind the audio";
+    result[1].file.fmt(48000, 1, 24).dataFrames(kFrames).bext(bext).ixmlPadded(ixml, 100000, ' ');
+    result[2].name = "RF64";
+    result[2].file = WavBuilder::rf64();
+    result[2].file.ds64(3 * kFrames).fmt(48000, 1, 24).bext(bext).ixml(ixml).dataFrames(kFrames);
+    result[3].name = "no iXML";
+    result[3].file.fmt(48000, 1, 24).bext(bext).dataFrames(kFrames);
+    result[4].name = "no audio, iXML cut";
+    result[4].file.bext(bext).ixml(ixml).claimSize("iXML", 5000);
+    return result;
+}
+
+} // namespace
+
+class ReadFaultTest : public WriterFaultTest {
+protected:
+    enum class Outcome { NoSuchCall, Refused, Complete, Other };
+
+    ReadFaultTest() { access = "read"; }
+
+    /// Saves once without a fault in each layout, and then once for each call of the kind, which goes wrong.
+    /// Each of these saves must come to `wanted`, or also to `allowed`.
+    void expectEach(const std::string& call, const std::string& how, Outcome wanted, Outcome allowed)
+    {
+        for (const Layout& layout : layouts()) {
+            SCOPED_TRACE(call + " " + how + ", " + layout.name);
+            builder = layout.file;
+            again();
+            ASSERT_EQ(save(kTake).exitCode, kTrue);
+            saved = readBytes(path);
+            ASSERT_NE(saved, proof->before());
+            calls = 0;
+            bool wantedCame = false;
+            for (Outcome outcome = saveWithNext(call, how); outcome != Outcome::NoSuchCall;
+                 outcome = saveWithNext(call, how)) {
+                EXPECT_TRUE(outcome == wanted || outcome == allowed) << "call " << calls;
+                wantedCame = wantedCame || outcome == wanted;
+                ASSERT_LT(calls, kMaxCalls) << "the save never came to its end";
+            }
+            EXPECT_TRUE(wantedCame);
+        }
+    }
+    void expectEachRefused(const std::string& call, const std::string& how)
+    {
+        expectEach(call, how, Outcome::Refused, Outcome::Refused);
+    }
+
+    int calls = 0; ///< The last call that was let go wrong; one more than there were at the end.
+
+private:
+    Outcome saveWithNext(const std::string& call, const std::string& how)
+    {
+        again();
+        const ProcessResult result = saveWithFault(call, ++calls, how, kTake);
+        if (!faultHappened)
+            return Outcome::NoSuchCall;
+        if (result.exitCode == kFalse && proof->untouched().empty())
+            return Outcome::Refused;
+        return result.exitCode == kTrue && readBytes(path) == saved ? Outcome::Complete : Outcome::Other;
+    }
+
+    const std::vector<std::string> kTake = { "take=4" };
+    std::string saved; ///< What the file is to be when all goes well.
+};
+
+TEST_F(ReadFaultTest, eachOfTheThreeOpensThatFailsIsFalseAndUntouched)
+{
+    expectEachRefused("open", "error");
+    EXPECT_EQ(calls, 4);
+}
+
+TEST_F(ReadFaultTest, errorInAnyReadIsFalseAndUntouched)
+{
+    expectEachRefused("read", "error");
+}
+
+TEST_F(ReadFaultTest, errorInTheMiddleOfAnyReadIsFalseAndUntouched)
+{
+    expectEachRefused("read", "half-error");
+}
+
+TEST_F(ReadFaultTest, errorInAnySeekIsFalseAndUntouched)
+{
+    expectEachRefused("seek", "error");
+}
+
+// As when another program cuts the file meanwhile. Where nothing stands behind the read, nothing is missed.
+TEST_F(ReadFaultTest, fileThatEndsInFrontOfItsSizeIsFalseAndUntouched)
+{
+    expectEach("read", "end", Outcome::Refused, Outcome::Complete);
+}
+
+TEST_F(ReadFaultTest, readThatGivesOnlyHalfGoesOnAndTheSaveIsComplete)
+{
+    expectEach("read", "short", Outcome::Complete, Outcome::Complete);
+}
+
+TEST_F(ReadFaultTest, saveThatWouldHaveNothingToWriteIsFalseToo)
+{
+    EXPECT_EQ(saveWithSureFault("read", 1, "error", kNothing).exitCode, kFalse);
     EXPECT_EQ(proof->untouched(), "");
 }
 

@@ -381,6 +381,14 @@ TEST_F(WriterTest, rateLineIsBuiltWithTheRateOfTheFileNeverOfTheWantedRecord)
     EXPECT_EQ(proof->patchedExactly({ description("aTAKE=2\naSPEED=23.976-ND\n") }), "");
 }
 
+TEST_F(WriterTest, rateBetweenTwoThousandthsGoesToTheEvenOne)
+{
+    make(usual("", "<BWFXML><SPEED><TIMECODE_RATE>63.8125</TIMECODE_RATE></SPEED></BWFXML>"));
+    updated.take = "2";
+    EXPECT_TRUE(save());
+    EXPECT_EQ(proof->patchedExactly({ description("aTAKE=2\naSPEED=63.812-ND\n") }), "");
+}
+
 TEST_F(WriterTest, rateLineSays24WhereTheFileKnowsNoRate)
 {
     make(withoutIxml(""));

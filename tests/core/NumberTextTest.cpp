@@ -92,12 +92,14 @@ TEST(NumberText, fixedNotationHasExactlyTheDecimalsAskedFor)
     EXPECT_EQ(NumberText::formatFixed(1e300, 3).size(), 305u);
 }
 
-TEST(NumberText, exactHalvesGoAwayFromZero)
+TEST(NumberText, exactHalvesGoToTheEvenDigit)
 {
-    EXPECT_EQ(NumberText::formatFixed(0.0625, 3), "0.063");
-    EXPECT_EQ(NumberText::formatFixed(-0.0625, 3), "-0.063");
+    EXPECT_EQ(NumberText::formatFixed(63.8125, 3), "63.812");
+    EXPECT_EQ(NumberText::formatFixed(0.0625, 3), "0.062");
+    EXPECT_EQ(NumberText::formatFixed(-0.0625, 3), "-0.062");
     EXPECT_EQ(NumberText::formatFixed(0.1875, 3), "0.188");
-    EXPECT_EQ(NumberText::formatFixed(2.5, 0), "3");
+    EXPECT_EQ(NumberText::formatFixed(2.5, 0), "2");
+    EXPECT_EQ(NumberText::formatFixed(3.5, 0), "4");
 }
 
 TEST(NumberText, whatOnlyLooksLikeAHalfIsRoundedByItsExactValue)

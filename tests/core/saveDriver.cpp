@@ -1,9 +1,9 @@
 // Saves one edit of one file and says by its exit code how that went, for tests that kill it, starve it or run it as
 // somebody else: saveDriver FILE [FIELD=VALUE]...
-// Flags that are not given stay as the file has them. Exit code 0: true, 1: false, 2: an exception, 3: bad arguments.
+// Flags that are not given are wanted as false. The file is opened by nothing but the save. Exit code 0: true, 1:
+// false, 2: an exception, 3: bad arguments.
 
 #include "core/BwfMetadata.h"
-#include "core/BwfMetadataReader.h"
 #include "core/BwfMetadataWriter.h"
 
 #include <cstdlib>
@@ -41,10 +41,7 @@ bool setField(BwfMetadata& record, const std::string& name, const std::string& v
 int save(int argc, char** argv)
 {
     const std::string path = argv[1];
-    const BwfMetadata current = BwfMetadataReader::readMetadata(path);
     BwfMetadata updated;
-    updated.circled = current.circled;
-    updated.wildTrack = current.wildTrack;
     for (int i = 2; i < argc; ++i) {
         const std::string argument = argv[i];
         const size_t equals = argument.find('=');

@@ -451,6 +451,202 @@ TEST_F(SavingTest, aChannelCellWithoutItemCountsTheRowAndOneWithoutNumberIsZero)
     EXPECT_EQ(inFile(0).tracks[1].name, "Mic");
 }
 
+// Bytes that the editors can't show.
+
+namespace {
+
+/// A recorder that writes Latin-1, with an "e" acute at the end of all texts but the take.
+TakeFields latin1()
+{
+    TakeFields fields;
+    fields.scene = "Caf\xE9";
+    fields.tape = "Rol\xE9";
+    fields.project = "Alph\xE9";
+    fields.note = "bris\xE9";
+    fields.tracks = { "Boom\xE9", "Lav\xE9" };
+    fields.function = "cl\xE9";
+    return fields;
+}
+
+/// UTF-8 that a text edit gives back otherwise: a byte order mark, CR LF, a no-break space, a line separator.
+TakeFields fineUtf8()
+{
+    const std::string mark = "\xEF\xBB\xBF";
+    TakeFields fields;
+    fields.scene = mark + "12A";
+    fields.tape = mark + "R01";
+    fields.project = mark + "Alpha";
+    fields.note = mark
+        + "one\r\ntwo\rthree\xC2\xA0"
+          "four\xE2\x80\xA8"
+          "five\xE2\x80\xA9six";
+    fields.tracks = { mark + "Boom", "L\xC2\xA0v" };
+    fields.function = mark + "dry";
+    return fields;
+}
+
+} // namespace
+
+TEST_F(SavingTest, textsThatNobodyTouchedKeepTheirBytesWhenTheTakeOfOneFileChanges)
+{
+    for (const TakeFields& fields : { latin1(), fineUtf8() })
+        have(fields);
+    for (const int row : { 0, 1 }) {
+        hands().select({ row });
+        hands().type("takeEdit", "07");
+        saveAll(1);
+        const TakeFields& take = takes[static_cast<size_t>(row)];
+        EXPECT_EQ(inFile(row).take, "07");
+        EXPECT_EQ(proof(row).changedWithin({ descriptionRange(take), elementRange(take, "TAKE", "01") }), "");
+    }
+}
+
+// The line edit shows and gives back 32767 characters.
+TEST_F(SavingTest, aSceneLongerThanItsEditorTakesKeepsItsEnd)
+{
+    const TakeFields fields = withScene(std::string(40000, 's') + "end");
+    have(fields);
+    hands().select({ 0 });
+    ASSERT_LT(hands().text("sceneEdit").size(), 40000);
+    hands().type("takeEdit", "07");
+    saveAll(1);
+    EXPECT_EQ(proof(0).changedWithin({ descriptionRange(fields), elementRange(fields, "TAKE", "01") }), "");
+}
+
+TEST_F(SavingTest, textsThatNobodyTouchedAreNoChangeAtAll)
+{
+    for (const TakeFields& fields : { latin1(), fineUtf8() })
+        have(fields);
+    for (const int row : { 0, 1 }) {
+        hands().select({ row });
+        saveAll(1);
+        EXPECT_EQ(untouched(row), "");
+    }
+}
+
+TEST_F(SavingTest, textsThatNobodyTouchedKeepTheBytesThatAllFilesShare)
+{
+    for (const TakeFields& fields : { latin1(), latin1(), fineUtf8(), fineUtf8() })
+        have(fields);
+    for (const QList<int>& rows : { QList<int>{ 0, 1 }, QList<int>{ 2, 3 } }) {
+        hands().select(rows);
+        EXPECT_NE(hands().text("sceneEdit"), "—");
+        QTest::mouseClick(hands().widget<QCheckBox>("circledCheck"), Qt::LeftButton, {}, QPoint(8, 8));
+        saveAll(2);
+        for (const int row : rows) {
+            EXPECT_TRUE(inFile(row).circled);
+            EXPECT_EQ(inFile(row).note, takes[static_cast<size_t>(row)].note);
+            EXPECT_EQ(inFile(row).scene, takes[static_cast<size_t>(row)].scene);
+            EXPECT_EQ(inFile(row).project, takes[static_cast<size_t>(row)].project);
+            EXPECT_EQ(proof(row).unchangedOutside({ ixmlRange(takes[static_cast<size_t>(row)]) }), "");
+        }
+    }
+}
+
+TEST_F(SavingTest, aTextThatIsTypedIntoSeveralFilesLeavesTheBytesOfTheOthers)
+{
+    have(latin1());
+    have(latin1());
+    hands().select({ 0, 1 });
+    hands().type("projectEdit", "Omega");
+    saveAll(2);
+    for (const int row : { 0, 1 }) {
+        EXPECT_EQ(inFile(row).project, "Omega");
+        EXPECT_EQ(
+            proof(row).changedWithin({ descriptionRange(latin1()), elementRange(latin1(), "PROJECT", "Alph\xE9") }),
+            "");
+    }
+}
+
+TEST_F(SavingTest, bytesThatOnlyLookAlikeAreKeptInEachFile)
+{
+    TakeFields other = latin1();
+    other.scene = "Caf\xEA";
+    have(latin1());
+    have(other);
+    hands().select({ 0, 1 });
+    ASSERT_EQ(hands().text("sceneEdit"), QString::fromUtf8("Caf\xEF\xBF\xBD"));
+    hands().type("notesEdit", "wind!");
+    saveAll(2);
+    EXPECT_EQ(inFile(0).scene, "Caf\xE9");
+    EXPECT_EQ(inFile(1).scene, "Caf\xEA");
+    EXPECT_EQ(inFile(0).note, "wind!");
+    EXPECT_EQ(inFile(1).note, "wind!");
+}
+
+TEST_F(SavingTest, whatIsTypedAndTakenBackIsNoChange)
+{
+    have(latin1());
+    have(fineUtf8());
+    for (const int row : { 0, 1 }) {
+        hands().select({ row });
+        for (const char* name : { "sceneEdit", "projectEdit", "tapeIdEdit" }) {
+            const QString before = hands().text(name);
+            hands().type(name, "other");
+            hands().type(name, before);
+            EXPECT_EQ(hands().text(name), before);
+        }
+        auto* notes = hands().widget<QTextEdit>("notesEdit");
+        notes->moveCursor(QTextCursor::End);
+        QTest::keyClick(notes, Qt::Key_X);
+        QTest::keyClick(notes, Qt::Key_Backspace);
+        auto* tracks = hands().widget<QTableWidget>("trackTable");
+        for (const int column : { 2, 3 }) {
+            const QString before = tracks->item(0, column)->text();
+            tracks->item(0, column)->setText("other");
+            tracks->item(0, column)->setText(before);
+        }
+        saveAll(1);
+        EXPECT_EQ(untouched(row), "");
+    }
+}
+
+TEST_F(SavingTest, aTextThatIsTypedGoesInAsUtf8WhateverTheOldBytesWere)
+{
+    have(latin1());
+    have(fineUtf8());
+    hands().select({ 0 });
+    hands().type("sceneEdit", QString::fromUtf8("Ca\xC3\xA9"));
+    saveAll(1);
+    EXPECT_EQ(inFile(0).scene, "Ca\xC3\xA9");
+    EXPECT_EQ(proof(0).changedWithin({ descriptionRange(latin1()), elementRange(latin1(), "SCENE", "Caf\xE9") }), "");
+
+    hands().select({ 1 });
+    hands().type("notesEdit", QString::fromUtf8("ne\xC3\xBC"));
+    auto* notes = hands().widget<QTextEdit>("notesEdit");
+    QTest::keyClick(notes, Qt::Key_Return);
+    QTest::keyClicks(notes, "zwei");
+    saveAll(1);
+    EXPECT_EQ(inFile(1).note, "ne\xC3\xBC\nzwei");
+    EXPECT_EQ(inFile(1).scene, fineUtf8().scene);
+}
+
+// The text that the notes give back is the same with either blank.
+TEST_F(SavingTest, aBlankTypedInPlaceOfANoBreakSpaceIsAChange)
+{
+    TakeFields fields;
+    fields.note = "a\xC2\xA0z";
+    have(fields);
+    hands().select({ 0 });
+    auto* notes = hands().widget<QTextEdit>("notesEdit");
+    notes->moveCursor(QTextCursor::End);
+    notes->moveCursor(QTextCursor::PreviousCharacter);
+    QTest::keyClick(notes, Qt::Key_Backspace);
+    QTest::keyClick(notes, Qt::Key_Space);
+    saveAll(1);
+    EXPECT_EQ(inFile(0).note, "a z");
+}
+
+TEST_F(SavingTest, aRenamedTrackLeavesTheBytesOfItsFunctionAndOfTheOtherTracks)
+{
+    have(latin1());
+    hands().select({ 0 });
+    hands().widget<QTableWidget>("trackTable")->item(1, 2)->setText(QString::fromUtf8("L\xC3\xA9!"));
+    saveAll(1);
+    EXPECT_EQ(inFile(0).tracks[1].name, "L\xC3\xA9!");
+    EXPECT_EQ(proof(0).changedWithin({ elementRange(latin1(), "NAME", "Lav\xE9") }), "");
+}
+
 // The state afterwards.
 
 TEST_F(SavingTest, savingIsOffAfterwardsAndStaysOffForTheSameSelection)

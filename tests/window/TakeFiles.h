@@ -17,6 +17,7 @@ struct TakeFields {
     std::string circled = "FALSE"; ///< "TRUE" is shorter, so a file can be circled in place but not uncircled alone.
     std::string wildTrack; ///< No element if empty.
     std::vector<std::string> tracks{ "Boom", "Lav" };
+    std::string function = "dry"; ///< Of each track.
     bool withBext = true;
     uint64_t timeReference = 172800000; ///< 01:00:00:00 at 48000 Hz.
     std::string rate = "25/1"; ///< No element if empty.
@@ -37,7 +38,7 @@ inline std::string ixmlText(const TakeFields& fields)
     text += "<TRACK_LIST>\n";
     for (size_t i = 0; i < fields.tracks.size(); ++i)
         text += "<TRACK>\n" + element("CHANNEL_INDEX", std::to_string(i + 1)) + element("NAME", fields.tracks[i])
-            + element("FUNCTION", "dry") + "</TRACK>\n";
+            + element("FUNCTION", fields.function) + "</TRACK>\n";
     return text + "</TRACK_LIST>\n</BWFXML>\n";
 }
 
