@@ -1,5 +1,9 @@
-# cmake -D READELF=... -D PROGRAM=... -P LinksNothingElse.cmake
-# Fails if the program needs a library beyond those of the language and the sanitizers.
+# cmake -D READELF=... -D PROGRAM=... [-D ALSO=libQt6Core] -P LinksNothingElse.cmake
+# Fails if the program needs a library beyond those of the language and the sanitizers, and the one that is named.
+set(allowed "libstdc\\+\\+|libc\\+\\+|libgcc_s|libm|libc|libpthread|ld-linux[^.]*|libasan|libubsan|libtsan")
+if(ALSO)
+  string(APPEND allowed "|${ALSO}")
+endif()
 execute_process(COMMAND ${READELF} -d ${PROGRAM} OUTPUT_VARIABLE dynamic COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX MATCHALL "NEEDED[^\n]*\\[[^]]*" needed "${dynamic}")
 if(NOT needed)
@@ -7,7 +11,7 @@ if(NOT needed)
 endif()
 foreach(entry IN LISTS needed)
   string(REGEX REPLACE ".*\\[" "" library "${entry}")
-  if(NOT library MATCHES "^(libstdc\\+\\+|libc\\+\\+|libgcc_s|libm|libc|libpthread|ld-linux[^.]*|libasan|libubsan|libtsan)\\.so")
-    message(FATAL_ERROR "the metadata core needs ${library}")
+  if(NOT library MATCHES "^(${allowed})\\.so")
+    message(FATAL_ERROR "${PROGRAM} needs ${library}")
   endif()
 endforeach()
