@@ -32,8 +32,10 @@ LAYERS = (
     Layer("window", ("tagwell_window",),
           ("report", "mixer", "app/files", "app/look", "app/settings", "core"), "Widgets",
           "`MetadataManagerWindow` and what it is made of"),
-    Layer("report", ("tagwell_report",), ("app/files", "app/look", "app/settings", "core", "system"), "Widgets, PrintSupport",
-          "takes, their texts, the three report writers, `SoundReportDialog`"),
+    Layer("report", ("tagwell_takes", "tagwell_report"), ("app/files", "app/look", "app/settings", "core", "system"),
+          "Widgets, PrintSupport",
+          "takes, their texts, CSV, ALE and the settings' table with Qt Core alone; above it the printed sheet and "
+          "`SoundReportDialog`"),
     Layer("mixer", ("tagwell_mixer",), ("audio", "app/look", "core"), "Widgets",
           "`FilePlaybackMixerDialog`, `FaderSlider`, `MeterWidget`, `WaveformWidget`"),
     Layer("app/files", ("tagwell_walk", "tagwell_files"), ("app/look",), "Widgets",
