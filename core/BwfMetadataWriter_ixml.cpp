@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <string_view>
-#include <utility>
 
 // The text is edited by literal tags in upper case, without any knowledge of XML: a lower-case element is not seen,
 // and values go in byte for byte, "<" and "&" included. The reader works the same way, so the two agree on what an
@@ -140,43 +139,6 @@ bool trackIsAsBefore(const BwfMetadata& current, const BwfMetadata& updated, siz
         && current.tracks[index].function == updated.tracks[index].function;
 }
 
-/// Replaces what the first element of a kind behind `track` says, if it begins in front of `limit`. True if it did.
-/// `track` is numbered anew where the edit asks for that.
-bool setInTrack(IxmlTrackText& text, IxmlTrackText::Tag& track, IxmlTrackText::Kind openKind,
-    IxmlTrackText::Kind closeKind, size_t limit, const std::string& value)
-{
-    const IxmlTrackText::Tag open = text.firstBehind(track, openKind);
-    const IxmlTrackText::Tag close = text.firstBehind(track, closeKind);
-    if (open == IxmlTrackText::kNone || close == IxmlTrackText::kNone || text.position(open) >= limit)
-        return false;
-    if (close < open) // Closed before it is opened: skipped, as in `setElement`.
-        return false;
-    const size_t trackPosition = text.position(track); // In front of the edit, so it holds.
-    if (text.replaceBetween(open, close, value))
-        track = text.tagAt(trackPosition);
-    return true;
-}
-
-/// Edits the track that lists the channel number by exactly these bytes; any other is left alone. True if it did.
-bool setTrack(IxmlTrackText& text, const BwfTrack& wanted)
-{
-    using Kind = IxmlTrackText::Kind;
-    const IxmlTrackText::Tag channel = text.firstChannelIndex(wanted.channelIndex);
-    if (channel == IxmlTrackText::kNone)
-        return false;
-    IxmlTrackText::Tag track = text.lastInFrontOf(channel, Kind::TrackOpen);
-    const IxmlTrackText::Tag trackEnd = text.firstBehind(channel, Kind::TrackClose);
-    if (track == IxmlTrackText::kNone || trackEnd == IxmlTrackText::kNone)
-        return false;
-
-    // The limit is where the track ended before its name changed, also for the function: a name that grew narrows
-    // the range for FUNCTION by as many bytes, one that shrank widens it, past the end of the track if need be.
-    const size_t limit = text.position(trackEnd);
-    const bool named = setInTrack(text, track, Kind::NameOpen, Kind::NameClose, limit, wanted.name);
-    const bool functioned = setInTrack(text, track, Kind::FunctionOpen, Kind::FunctionClose, limit, wanted.function);
-    return named || functioned;
-}
-
 void setTracks(Edited& ixml, const BwfMetadata& current, const BwfMetadata& updated)
 {
     size_t index = 0;
@@ -185,9 +147,9 @@ void setTracks(Edited& ixml, const BwfMetadata& current, const BwfMetadata& upda
     if (index == updated.tracks.size())
         return;
 
-    IxmlTrackText text(std::move(ixml.text));
+    IxmlTrackText text(ixml.text);
     for (; index < updated.tracks.size(); ++index) {
-        if (!trackIsAsBefore(current, updated, index) && setTrack(text, updated.tracks[index]))
+        if (!trackIsAsBefore(current, updated, index) && text.setTrack(updated.tracks[index]))
             ixml.modified = true;
     }
     ixml.text = text.edited();
