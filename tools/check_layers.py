@@ -28,6 +28,8 @@ LAYERS = (
     Layer("app", ("tagwell_shell", "tagwell"),
           ("window", "report", "mixer", "app/files", "app/look", "app/settings", "audio", "core"), "Widgets",
           "`main`, `TagwellApplication`, `MainMenu`: the program and nothing else"),
+    Layer("cli", ("tagwell_commands", "tagwell-cli"), ("app/files", "app/settings", "core"), "Core",
+          "`tagwell-cli`, the program without a window: one source a command"),
     Layer("window", ("tagwell_window",),
           ("report", "mixer", "app/files", "app/look", "app/settings", "core"), "Widgets",
           "`MetadataManagerWindow` and what it is made of"),
@@ -49,7 +51,7 @@ DOCUMENT = "docs/architecture.md"
 PICTURE = "docs/pictures/layers.svg"
 # Where the picture has each folder: column and row of a grid, chosen so that no arrow runs through a box.
 PLACES = {
-    "app": (3, 0), "window": (3, 1), "mixer": (2, 2), "report": (4, 2),
+    "app": (3, 0), "window": (3, 1), "cli": (6, 2), "mixer": (2, 2), "report": (4, 2),
     "audio": (0, 3), "core": (2, 3), "app/files": (4, 3), "app/settings": (6, 3), "app/look": (4, 4),
 }
 BEGIN, END = "<!-- layers -->", "<!-- end of layers -->"
