@@ -27,6 +27,8 @@ Outcome workOn(const std::string& path, const FileWork& work, std::string& out)
         return { Exit::Found, fileErrorOf(error.code()) };
     } catch (const std::bad_alloc&) {
         return { Exit::Found, FileError("no-memory", "there is not enough memory for it") };
+    } catch (const std::exception& error) {
+        return { Exit::Found, FileError("io-error", error.what()) };
     }
 }
 

@@ -58,8 +58,8 @@ public:
         const std::string header = read(0, kFileHeaderBytes);
         result.fileId = header.substr(0, kIdBytes);
         hasLargeSizes = result.fileId == "RF64" || result.fileId == "BW64";
-        result.isWave
-            = (hasLargeSizes || result.fileId == "RIFF") && header.compare(2 * kIdBytes, kIdBytes, "WAVE") == 0;
+        const bool hasForm = std::string_view(header).substr(std::min(header.size(), 2 * kIdBytes)) == "WAVE";
+        result.isWave = hasForm && (hasLargeSizes || result.fileId == "RIFF");
         while (result.isWave && takeChunk()) { }
         return std::move(result);
     }
