@@ -1,7 +1,9 @@
 #include "cli/CommandLine.h"
 
 #include "cli/DumpCommand.h"
+#include "cli/FileRun.h"
 #include "cli/PlainText.h"
+#include "cli/VerifyCommand.h"
 
 #include <algorithm>
 #include <array>
@@ -15,6 +17,7 @@ constexpr std::size_t kGapBytes = 2; // Between two columns of the help.
 
 constexpr std::array kCommands{
     kDumpCommand,
+    kVerifyCommand,
 };
 
 std::string optionTitle(const Option& option)
@@ -105,7 +108,12 @@ Exit runCommand(const Command& command, std::span<const std::string> given, Io& 
         return printCommandHelp(command, io);
     if (!parsed.complaint.empty())
         return refuseUsage(io, command.name, parsed.complaint);
-    return command.run(parsed.arguments, io);
+    try {
+        return command.run(parsed.arguments, io);
+    } catch (const RunError& error) {
+        complain(io, error.path, error.words);
+        return Exit::Found;
+    }
 }
 
 Exit dispatch(std::span<const std::string> given, Io& io)

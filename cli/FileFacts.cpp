@@ -1,14 +1,9 @@
 #include "cli/FileFacts.h"
 
-#include "cli/FileRun.h"
+#include "cli/WavFile.h"
 #include "core/BwfMetadataReader.h"
-#include "core/MetadataStream.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <filesystem>
-#include <fstream>
 
 namespace {
 
@@ -17,30 +12,15 @@ constexpr std::size_t kBlockAlignOffset = 12;
 constexpr uint64_t kPieceBytes = 64 * 1024;
 constexpr std::string_view kIxmlPadding("\x20\x09\x0D\x0A\0", 5);
 
-void readFormat(std::istream& stream, ChunkWalk& blocks, FileFacts& facts)
+void readFormat(WavFile& file, FileFacts& facts)
 {
     const ChunkList::Chunk* const format = facts.chunks.find("fmt ");
     if (!format)
         return;
-    std::array<char, kFmtBytes> payload{};
-    const uint64_t there = blocks.available(format->payload(), std::min<uint64_t>(payload.size(), format->size));
-    blocks.read(stream, format->payload(), payload.data(), static_cast<std::size_t>(there));
+    std::string payload = file.read(format->payload(), std::min<uint64_t>(kFmtBytes, format->size));
+    payload.resize(kFmtBytes);
     facts.formatTag = littleEndian16(payload.data());
     facts.blockAlign = littleEndian16(payload.data() + kBlockAlignOffset);
-}
-
-void readChunks(const std::string& path, FileFacts& facts)
-{
-    std::ifstream stream;
-    errno = 0;
-    const OpenedFile opened(stream, path);
-    if (!stream)
-        throw fileErrorOf({ errno != 0 ? errno : EIO, std::generic_category() });
-    ChunkWalk blocks(stream);
-    facts.chunks = readChunkList(stream, blocks);
-    if (!facts.chunks.isWave)
-        throw FileError("not-wav", "it is no WAV file");
-    readFormat(stream, blocks, facts);
 }
 
 // Without a rate of the timestamp the reader derives one for pulled timecodes, 1001/1000 of the audio's, so that the
@@ -104,18 +84,13 @@ std::string FileFacts::endLabel() const
 
 FileFacts readFileFacts(const std::string& path)
 {
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(path, error);
-    if (error)
-        throw fileErrorOf(error);
-    if (!std::filesystem::exists(status))
-        throw fileErrorOf(std::make_error_code(std::errc::no_such_file_or_directory));
-    if (!std::filesystem::is_regular_file(status))
-        throw FileError("not-a-file", "it is no file");
-
     FileFacts facts;
     facts.path = path;
-    readChunks(path, facts);
+    {
+        WavFile file(path);
+        facts.chunks = file.chunks();
+        readFormat(file, facts);
+    }
     facts.record = BwfMetadataReader::readMetadata(path);
     facts.frameRate = exactFrameRate(facts.record.frameRate);
     facts.startSampleRate = startSampleRateOf(path, facts);
@@ -125,17 +100,12 @@ FileFacts readFileFacts(const std::string& path)
 
 uint64_t freeBytesOf(const std::string& path, const ChunkList::Chunk& ixml)
 {
-    std::ifstream stream;
-    const OpenedFile opened(stream, path);
-    ChunkWalk blocks(stream);
-    const uint64_t begin = ixml.payload();
-    uint64_t left = blocks.available(begin, ixml.size);
-    const uint64_t whole = left;
-    std::string piece;
-    while (stream && left > 0) {
-        piece.resize(static_cast<std::size_t>(std::min(left, kPieceBytes)));
-        left -= piece.size();
-        piece.resize(blocks.read(stream, begin + left, piece.data(), piece.size()));
+    WavFile file(path);
+    const uint64_t whole = file.available(ixml.payload(), ixml.size);
+    for (uint64_t left = whole; left > 0;) {
+        const uint64_t count = std::min(left, kPieceBytes);
+        left -= count;
+        const std::string piece = file.read(ixml.payload() + left, count);
         const std::size_t last = piece.find_last_not_of(kIxmlPadding);
         if (last != std::string::npos)
             return piece[last] == '>' ? whole - left - last - 1 : 0;

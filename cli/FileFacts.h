@@ -48,5 +48,5 @@ struct FileFacts {
 FileFacts readFileFacts(const std::string& path);
 
 /// Bytes at the end of an iXML payload that hold nothing: blanks, tabs, line ends and NULs behind the last ">".
-/// 0 if something else stands there, or the file can't be read.
+/// 0 if something else stands there. Throws as `readFileFacts`.
 uint64_t freeBytesOf(const std::string& path, const ChunkList::Chunk& ixml);

@@ -45,7 +45,9 @@ bool deliver(const std::string& text, Io& io)
 Exit endEarly(Io& io, std::size_t done, std::size_t total)
 {
     io.out.flush();
-    io.err << kProgram << ": interrupted after " << done << " of " << total << " files\n" << std::flush;
+    io.err << kProgram << ": interrupted after " << std::to_string(done) << " of " << std::to_string(total)
+           << " files\n"
+           << std::flush;
     return Exit::Found;
 }
 

@@ -22,6 +22,13 @@ struct FileError : std::exception {
     std::string words;
 };
 
+/// What all files depend on went wrong, such as the file that a run writes. Thrown by anything; it ends the run.
+struct RunError {
+    std::string path;
+    /// As FileError::words.
+    std::string words;
+};
+
 /// The error that the system's `error` stands for.
 FileError fileErrorOf(std::error_code error);
 
@@ -39,5 +46,6 @@ void complain(Io& io, std::string_view path, std::string_view words);
 
 /// Does `files` one after the other and writes each one's text when its work is over, so that a reader that goes away
 /// can't end the process inside a file. Says on `err` what failed and goes on. Ends between two files when `io` is
-/// interrupted, and when `out` takes no more. The worst of all results; `Found` if a file failed or not all were done.
+/// interrupted, and when `out` takes no more; lets a RunError pass. The worst of all results; `Found` if a file failed
+/// or not all were done.
 Exit forEachFile(const std::vector<std::string>& files, Io& io, const FileWork& work);

@@ -46,7 +46,12 @@ CliResult runCli(const std::vector<std::string>& arguments, const CliSetup& setu
         .errIsTerminal = setup.errIsTerminal,
         .errColumns = setup.errColumns,
         .millis = [&] { return now += setup.millisPerLook; },
-        .interrupted = [&] { return setup.interruptAfter >= 0 && questions++ >= setup.interruptAfter; },
+        .interrupted =
+            [&] {
+                if (setup.beforeFile)
+                    setup.beforeFile(questions);
+                return questions++ >= setup.interruptAfter && setup.interruptAfter >= 0;
+            },
     };
     const Exit exit = runCommandLine(arguments, io);
     return { exit, buffer.taken, err.str() };

@@ -3,6 +3,7 @@
 #include "cli/Io.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,8 @@ struct CliSetup {
     int interruptAfter = -1;
     /// Standard output takes so many bytes and no more; all if negative.
     int64_t outRoom = -1;
+    /// Called in front of each file with its number, from 0.
+    std::function<void(int)> beforeFile = {};
 };
 
 /// Runs the program's command line.
