@@ -1,6 +1,7 @@
 #include "cli/PlainText.h"
 
 #include <cstdint>
+#include <cstring>
 
 namespace {
 
@@ -45,6 +46,19 @@ std::size_t characterBytes(std::string_view text)
     return character < kLowest[length] || character > kLastCharacter || surrogate ? 0 : length;
 }
 
+// Bytes at the start of `text` that are ASCII, counted in whole words; most texts have no others.
+std::size_t asciiBytes(std::string_view text)
+{
+    constexpr uint64_t kHighBits = 0x8080808080808080;
+    std::size_t count = 0;
+    for (uint64_t word = 0; count + sizeof word <= text.size(); count += sizeof word) {
+        std::memcpy(&word, text.data() + count, sizeof word);
+        if ((word & kHighBits) != 0)
+            break;
+    }
+    return count;
+}
+
 std::string escape(unsigned char byte)
 {
     constexpr char kDigits[] = "0123456789abcdef";
@@ -75,6 +89,9 @@ std::string oneLine(std::string_view text)
 bool isUtf8(std::string_view text)
 {
     while (!text.empty()) {
+        text.remove_prefix(asciiBytes(text));
+        if (text.empty())
+            break;
         const std::size_t length = characterBytes(text);
         if (length == 0)
             return false;

@@ -38,5 +38,5 @@ std::string WavFile::read(uint64_t offset, uint64_t count)
 
 std::size_t WavFile::read(uint64_t offset, char* target, std::size_t count)
 {
-    return blocks->read(stream, offset, target, count);
+    return count == 0 ? 0 : blocks->read(stream, offset, target, count);
 }

@@ -68,7 +68,8 @@ private:
     std::string read(uint64_t offset, uint64_t count)
     {
         std::string bytes(static_cast<std::size_t>(blocks.available(offset, count)), '\0');
-        bytes.resize(blocks.read(stream, offset, bytes.data(), bytes.size()));
+        if (!bytes.empty()) // No block holds nothing.
+            bytes.resize(blocks.read(stream, offset, bytes.data(), bytes.size()));
         return bytes;
     }
 
