@@ -10,7 +10,7 @@ PACKAGES_DESKTOP="xvfb openbox xdotool imagemagick dbus at-spi2-core gir1.2-atsp
 PACKAGES_PICTURES="mount util-linux"
 PACKAGES_TEST="libgtest-dev clang strace ffmpeg libimage-exiftool-perl qpdf poppler-utils pulseaudio pulseaudio-utils
   python3 util-linux e2fsprogs mount procps locales binutils"
-PACKAGES_CI="ccache libbenchmark-dev libclang-rt-dev clang-format debootstrap desktop-file-utils"
+PACKAGES_CI="ccache libbenchmark-dev libclang-rt-dev clang-format clang-tidy debootstrap desktop-file-utils"
 
 as_root()
 {
