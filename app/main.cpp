@@ -3,6 +3,7 @@
 #include "app/NativeFilePanel.h"
 #include "app/TagwellApplication.h"
 #include "app/Theme.h"
+#include "app/Version.h"
 #include "app/WavArguments.h"
 #include "window/MetadataManagerWindow.h"
 
@@ -20,7 +21,7 @@ void keepQuiet()
 void setIdentity()
 {
     QCoreApplication::setApplicationName(QStringLiteral("Tagwell"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("1.0.15"));
+    QCoreApplication::setApplicationVersion(QLatin1String(kTagwellVersion));
     QCoreApplication::setOrganizationName(QStringLiteral("Brindle Audio"));
     QCoreApplication::setOrganizationDomain(QStringLiteral("brindleaudio.com"));
     QGuiApplication::setQuitOnLastWindowClosed(true);
