@@ -20,10 +20,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   target_compile_options(tagwell_build_options INTERFACE -Wno-restrict)
 endif()
 if(TAGWELL_HARDEN)
-  # Nothing of the folder that was built in gets into the program: two builds give the same bytes.
+  # Nothing of the folder or the time of the build gets into the program: two builds give the same bytes.
   target_compile_options(tagwell_build_options INTERFACE
     -fPIC -fstack-protector-strong -fstack-clash-protection -D_FORTIFY_SOURCE=2
-    "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
+    -Werror=date-time "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
   target_link_options(tagwell_build_options INTERFACE -pie -Wl,-z,relro -Wl,-z,now)
 endif()
 if(TAGWELL_SANITIZE)

@@ -17,6 +17,7 @@ import re
 import textwrap
 from xml.sax.saxutils import escape
 
+SECTIONS = ("Added", "Changed", "Deprecated", "Removed", "Fixed", "Security")
 RELEASE = re.compile(r"^## \[(?P<version>[^\]]+)\](?: - (?P<date>\d{4}-\d{2}-\d{2}))?$")
 
 
@@ -29,12 +30,17 @@ class Release:
         self.sections = []
 
     def add_line(self, line):
+        """Takes a section's heading, an item in a section, or a further line of an item; ValueError for anything else."""
         if line.startswith("### "):
-            self.sections.append((line[4:].strip(), []))
-        elif line.startswith("- "):
+            if line[4:] not in SECTIONS:
+                raise ValueError("no such section: " + line[4:])
+            self.sections.append((line[4:], []))
+        elif line.startswith("- ") and self.sections:
             self.sections[-1][1].append(line[2:].strip())
-        elif line.startswith("  ") and line.strip():
+        elif line.startswith("  ") and self.sections and self.sections[-1][1]:
             self.sections[-1][1][-1] += " " + line.strip()
+        elif line.strip():
+            raise ValueError("neither an item of a section nor a part of one: " + line)
 
 
 def releases_in(changelog):
@@ -48,7 +54,10 @@ def releases_in(changelog):
             current = Release(heading["version"], heading["date"]) if heading["date"] else None
             found += [current] if current else []
         elif current:
-            current.add_line(line)
+            try:
+                current.add_line(line)
+            except ValueError as error:
+                raise SystemExit("CHANGELOG.md:%d: %s" % (number, error)) from None
     return found
 
 

@@ -43,9 +43,13 @@ fresh_root()
     as_root cp -a "$ROOTS/debian-$1-base" "$2"
 }
 
-# work_root RELEASE: makes sure of the system that things are built in, at $ROOTS/debian-RELEASE.
+# work_root RELEASE: makes sure of the system that things are built in, at $ROOTS/debian-RELEASE. Until the script that
+# called it ends, any other one waits here for the same system.
 work_root()
 {
+    mkdir -p "$ROOTS"
+    exec 9>"$ROOTS/debian-$1.lock"
+    flock 9
     [ -e "$ROOTS/debian-$1/.complete" ] || fresh_root "$1" "$ROOTS/debian-$1"
 }
 
@@ -65,17 +69,17 @@ with_mounts()
     shift
     mkdir -p "$archives/partial"
     as_root unshare --mount --propagation private bash -euc '
-        root=$1; archives=$2; shift 2
+        root=$1; archives=$2; recordings=$3; shift 3
         mount -t proc proc "$root/proc"
         mount --rbind /dev "$root/dev"
         mount --bind /tmp "$root/tmp"
         mount --bind "$archives" "$root/var/cache/apt/archives"
-        if [ -d "${TAGWELL_RECORDINGS:-}" ]; then
+        if [ -d "$recordings" ]; then
             mkdir -p "$root/recordings"
-            mount --bind -o ro "$TAGWELL_RECORDINGS" "$root/recordings"
+            mount --bind -o ro "$recordings" "$root/recordings"
         fi
         "$@"
-    ' bash "$1" "$archives" "${@:2}"
+    ' bash "$1" "$archives" "${TAGWELL_RECORDINGS:-}" "${@:2}"
 }
 
 # in_root RELEASE ROOT COMMAND...: runs the command inside, with a plain environment. Words such as NAME=value in front

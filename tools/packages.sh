@@ -9,8 +9,9 @@ PACKAGES_DESKTOP="xvfb openbox xdotool x11-utils imagemagick dbus at-spi2-core g
 PACKAGES_TEST="libgtest-dev clang strace ffmpeg libimage-exiftool-perl qpdf poppler-utils pulseaudio pulseaudio-utils
   python3 util-linux e2fsprogs mount procps locales binutils
   appstream desktop-file-utils man-db mandoc dpkg-dev bash zsh fish flatpak-builder"
-# To build and check a Debian package; the compiler's cache shortens the next time.
-PACKAGES_DEB="dpkg-dev lintian ccache"
+# To make a Debian package, and to check it.
+PACKAGES_DEB="dpkg-dev"
+PACKAGES_DEB_CHECK="lintian ccache"
 PACKAGES_CI="ccache libbenchmark-dev libclang-rt-dev clang-format debootstrap"
 
 as_root()

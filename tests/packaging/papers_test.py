@@ -173,7 +173,7 @@ class Version(unittest.TestCase):
 
     def isInTheProgram(self):
         program = pathlib.Path(os.environ["TAGWELL_PROGRAM"]).read_bytes()
-        self.assertIn(b"\0" + VERSION.encode() + b"\0", program)
+        self.assertRegex(program, rb"(?<![0-9.])" + re.escape(VERSION.encode()) + rb"\0")
         main_source = (SOURCE / "app" / "main.cpp").read_text("utf-8")
         self.assertRegex(main_source, r"setApplicationVersion\([^;]*kTagwellVersion")
 
@@ -187,6 +187,12 @@ class Version(unittest.TestCase):
             done, _ = self.write_papers("# Changelog\n\n%s\n\n### Added\n\n- All.\n" % heading)
             self.assertNotEqual(done.returncode, 0, heading)
             self.assertIn("CHANGELOG.md:3", done.stderr)
+
+    def linesOutsideTheFormFailTheBuild(self):
+        for body in ("### News\n\n- All.\n", "- All.\n", "### Added\n\nAll of it.\n", "### Added\n\n  more\n"):
+            done, _ = self.write_papers("# Changelog\n\n## [%s] - 2026-01-01\n\n%s" % (VERSION, body))
+            self.assertNotEqual(done.returncode, 0, body)
+            self.assertRegex(done.stderr, r"\ACHANGELOG\.md:[57]: ")
 
     def whatIsNotReleasedIsLeftOut(self):
         done, out = self.write_papers("# Changelog\n\n## [Unreleased]\n\n### Added\n\n- A promise.\n\n"

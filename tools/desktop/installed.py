@@ -31,6 +31,7 @@ def check_program(root):
         expect(sign in told.stdout, "the program is built with " + sign)
     dynamic = subprocess.run(["readelf", "-d", str(program)], check=True, capture_output=True, text=True).stdout
     expect("RUNPATH" not in dynamic and "RPATH" not in dynamic, "the program has no path of its own to libraries")
+    expect(b"/src/" not in program.read_bytes(), "the program does not know the folder that it was built in")
     expect((program.parent / "fader.png").is_file(), "the picture lies beside the program")
 
 
