@@ -62,24 +62,25 @@ put_sources()
 }
 
 # with_mounts RELEASE ROOT COMMAND...: runs the command, outside the root, while the root has what a running system has.
-# The mounts live in a namespace of their own and go with it, whatever happens. The root sees this system's /tmp.
+# The mounts live in a namespace of their own and go with it, whatever happens. The root has an empty /tmp of its own, or
+# this system's where ROOTS_SHARE_TMP is set.
 with_mounts()
 {
     local archives="$ROOTS/debian-$1-archives"
     shift
     mkdir -p "$archives/partial"
     as_root unshare --mount --propagation private bash -euc '
-        root=$1; archives=$2; recordings=$3; shift 3
+        root=$1; archives=$2; recordings=$3; share_tmp=$4; shift 4
         mount -t proc proc "$root/proc"
         mount --rbind /dev "$root/dev"
-        mount --bind /tmp "$root/tmp"
+        if [ -n "$share_tmp" ]; then mount --bind /tmp "$root/tmp"; else mount -t tmpfs tmpfs "$root/tmp"; fi
         mount --bind "$archives" "$root/var/cache/apt/archives"
         if [ -d "$recordings" ]; then
             mkdir -p "$root/recordings"
             mount --bind -o ro "$recordings" "$root/recordings"
         fi
         "$@"
-    ' bash "$1" "$archives" "${TAGWELL_RECORDINGS:-}" "${@:2}"
+    ' bash "$1" "$archives" "${TAGWELL_RECORDINGS:-}" "${ROOTS_SHARE_TMP:-}" "${@:2}"
 }
 
 # in_root RELEASE ROOT COMMAND...: runs the command inside, with a plain environment. Words such as NAME=value in front

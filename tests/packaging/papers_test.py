@@ -167,6 +167,7 @@ class Version(unittest.TestCase):
         self.assertEqual(next(tree.parse(METAINFO).iter("release")).get("version"), VERSION)
         for packed in MAN_PAGES:
             self.assertIn("Tagwell %s" % VERSION, gzip.decompress(packed.read_bytes()).decode().splitlines()[0])
+        self.assertIn('set(CPACK_PACKAGE_VERSION "%s")' % VERSION, (BUILD / "CPackConfig.cmake").read_text("utf-8"))
         with open(BUILD / "packaging" / "Info.plist", "rb") as file:
             plist = plistlib.load(file)
         self.assertEqual((plist["CFBundleShortVersionString"], plist["CFBundleVersion"]), (VERSION, VERSION))
