@@ -41,7 +41,7 @@ def png_size(path):
 
 class Papers(unittest.TestCase):
     def metainfoIsSilentUnderThePedanticValidator(self):
-        older = "0." in run("appstreamcli", "--version").stdout
+        older = " 0." in run("appstreamcli", "--version").stdout
         done = run("appstreamcli", "validate", "--pedantic", "--no-net", "--no-color", METAINFO)
         said = OLDER_VALIDATOR.sub("", done.stdout, count=1) if older else done.stdout
         self.assertEqual(done.returncode, 0, done.stdout)
