@@ -1,10 +1,10 @@
 import gzip
-import importlib.util
 import json
 import os
 import pathlib
 import plistlib
 import re
+import runpy
 import shutil
 import struct
 import subprocess
@@ -23,14 +23,6 @@ MAN_PAGES = sorted(PAPERS.glob("*.1.gz"))
 def changelog_releases():
     """(version, date) of each dated release, newest first, as a reader of the changelog sees them."""
     return re.findall(r"(?m)^## \[([0-9.]+)\] - (\d{4}-\d\d-\d\d)$", (SOURCE / "CHANGELOG.md").read_text("utf-8"))
-
-
-def loaded(path):
-    """A script as a module."""
-    spec = importlib.util.spec_from_file_location(path.stem, path)
-    module = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(module)
-    return module
 
 
 def png_size(path):
@@ -137,9 +129,6 @@ class Papers(unittest.TestCase):
 
 
 class Version(unittest.TestCase):
-    def setUp(self):
-        self.papers = loaded(SOURCE / "packaging" / "papers.py")
-
     def write_papers(self, changelog):
         """Runs the writer on the project with another changelog; its process and the folder it wrote to."""
         folder = pathlib.Path(tempfile.mkdtemp(prefix="tagwell-papers-"))
@@ -231,7 +220,7 @@ class Icons(unittest.TestCase):
 
     def symbolicIsMadeFromTheDrawing(self):
         kept = self.theme / "symbolic" / "apps" / (ID + "-symbolic.svg")
-        self.assertEqual(kept.read_text("utf-8"), loaded(SOURCE / "tools" / "make_icons.py").symbolic())
+        self.assertEqual(kept.read_text("utf-8"), runpy.run_path(str(SOURCE / "tools" / "make_icons.py"))["symbolic"]())
         root = tree.parse(kept).getroot()
         self.assertEqual([child.tag.rsplit("}", 1)[1] for child in root], ["path"])
 
