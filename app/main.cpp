@@ -3,7 +3,6 @@
 #include "app/NativeFilePanel.h"
 #include "app/TagwellApplication.h"
 #include "app/Theme.h"
-#include "app/Version.h"
 #include "app/WavArguments.h"
 #include "window/MetadataManagerWindow.h"
 
@@ -21,7 +20,7 @@ void keepQuiet()
 void setIdentity()
 {
     QCoreApplication::setApplicationName(QStringLiteral("Tagwell"));
-    QCoreApplication::setApplicationVersion(QLatin1String(kTagwellVersion));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TAGWELL_VERSION));
     QCoreApplication::setOrganizationName(QStringLiteral("Brindle Audio"));
     QCoreApplication::setOrganizationDomain(QStringLiteral("brindleaudio.com"));
     QGuiApplication::setQuitOnLastWindowClosed(true);

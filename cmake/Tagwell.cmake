@@ -4,11 +4,6 @@
 set(CMAKE_INSTALL_DOCDIR "share/doc/tagwell" CACHE PATH "Where the manual and the other papers go.")
 include(GNUInstallDirs)
 
-# #include "app/Version.h" for whoever links this.
-configure_file("${CMAKE_CURRENT_LIST_DIR}/Version.h.in" "${PROJECT_BINARY_DIR}/generated/app/Version.h" @ONLY)
-add_library(tagwell_version INTERFACE)
-target_include_directories(tagwell_version INTERFACE "${PROJECT_BINARY_DIR}/generated")
-
 add_library(tagwell_build_options INTERFACE)
 target_compile_features(tagwell_build_options INTERFACE cxx_std_20)
 target_include_directories(tagwell_build_options INTERFACE "${PROJECT_SOURCE_DIR}")

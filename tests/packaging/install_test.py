@@ -10,9 +10,9 @@ from support import BUILD, ID, SOURCE, desktop_entry, main, run
 
 sys.path.insert(0, str(SOURCE / "tools" / "desktop"))
 
+PROGRAMS = [path.name[:-len(".1.in")] for path in (SOURCE / "packaging" / "man").iterdir()]
 # What an installation consists of, below the prefix. A test compares the whole list, so that nothing comes in unseen.
 INSTALLED = {
-    "bin/tagwell",
     "libexec/tagwell/tagwell",
     "libexec/tagwell/fader.png",
     "share/tagwell/fader.png",
@@ -20,17 +20,16 @@ INSTALLED = {
     "share/metainfo/" + ID + ".metainfo.xml",
     "share/icons/hicolor/scalable/apps/" + ID + ".svg",
     "share/icons/hicolor/symbolic/apps/" + ID + "-symbolic.svg",
-    "share/man/man1/tagwell.1.gz",
-    "share/bash-completion/completions/tagwell",
-    "share/zsh/site-functions/_tagwell",
-    "share/fish/vendor_completions.d/tagwell.fish",
     "share/doc/tagwell/changelog.gz",
     "share/doc/tagwell/copyright",
     "share/doc/tagwell/manual.md",
 }
+INSTALLED |= {place % program for program in PROGRAMS for place in (
+    "bin/%s", "share/man/man1/%s.1.gz", "share/bash-completion/completions/%s", "share/zsh/site-functions/_%s",
+    "share/fish/vendor_completions.d/%s.fish")}
 INSTALLED |= {"share/icons/hicolor/%dx%d/apps/%s.png" % (edge, edge, ID)
               for edge in (16, 22, 24, 32, 48, 64, 128, 256, 512)}
-INSTALLED |= {"share/doc/tagwell/pictures/" + path.name for path in (SOURCE / "docs" / "pictures").glob("*.png")}
+INSTALLED |= {"share/doc/tagwell/pictures/" + path.name for path in (SOURCE / "docs" / "pictures").iterdir()}
 
 
 def files_below(folder):

@@ -115,6 +115,13 @@ class Papers(unittest.TestCase):
             done = run("bash", "-c", script, "bash", SOURCE / "packaging" / "completions" / "tagwell.bash", cwd=folder)
             self.assertEqual(sorted(done.stdout.splitlines()), ["a.WAV", "b c.wav", "day"])
 
+    def manualShowsPicturesThatAreInstalled(self):
+        shown = re.findall(r"\]\(([^)#]+\.(?:png|svg))\)", (SOURCE / "docs" / "manual.md").read_text("utf-8"))
+        self.assertTrue(shown)
+        for path in shown:
+            self.assertTrue(path.startswith("pictures/"), path)
+            self.assertTrue((SOURCE / "docs" / path).is_file(), path)
+
     def copyrightHoldsTheLicence(self):
         text = (SOURCE / "packaging" / "debian" / "copyright").read_text("utf-8")
         self.assertTrue(text.startswith(
@@ -163,9 +170,9 @@ class Version(unittest.TestCase):
 
     def isInTheProgram(self):
         program = pathlib.Path(os.environ["TAGWELL_PROGRAM"]).read_bytes()
-        self.assertRegex(program, rb"(?<![0-9.])" + re.escape(VERSION.encode()) + rb"\0")
+        self.assertIn(VERSION.encode("utf-16-le") + b"\0\0", program)
         main_source = (SOURCE / "app" / "main.cpp").read_text("utf-8")
-        self.assertRegex(main_source, r"setApplicationVersion\([^;]*kTagwellVersion")
+        self.assertRegex(main_source, r"setApplicationVersion\([^;]*TAGWELL_VERSION")
 
     def aChangelogOfAnotherVersionFailsTheBuild(self):
         done, _ = self.write_papers("# Changelog\n\n## [0.9.1] - 2025-01-02\n\n### Added\n\n- All.\n")
