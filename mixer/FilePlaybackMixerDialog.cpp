@@ -1,11 +1,13 @@
 #include "mixer/FilePlaybackMixerDialog.h"
 
+#include "app/look/ElidedLabel.h"
 #include "app/look/Theme.h"
 #include "audio/TagwellAudioPlayer.h"
 #include "core/BwfMetadata.h"
 #include "core/Timecode.h"
 #include "mixer/FaderSlider.h"
 #include "mixer/MeterWidget.h"
+#include "mixer/MixerAccessibility.h"
 #include "mixer/TransportIcon.h"
 #include "mixer/WaveformWidget.h"
 
@@ -89,6 +91,7 @@ FilePlaybackMixerDialog::FilePlaybackMixerDialog(
     setMinimumSize(520, 460);
     resize(720, 560);
     setStyleSheet(Theme::filledMainStyleSheet());
+    installMixerAccessibility();
     openPlayer();
     setupUi(trackNames);
 }
@@ -128,7 +131,8 @@ void FilePlaybackMixerDialog::setupUi(const QList<QString>& trackNames)
 
 void FilePlaybackMixerDialog::addHeader(QVBoxLayout* rows)
 {
-    titleLabel = makeLabel("titleLabel", QFileInfo(filePath).fileName(), this);
+    titleLabel = new ElidedLabel(QFileInfo(filePath).fileName(), 1, this);
+    titleLabel->setObjectName(QStringLiteral("titleLabel"));
     titleLabel->setStyleSheet(QString::fromLatin1(kTitleStyle).arg(QLatin1String(kTextColour)));
     rows->addWidget(titleLabel);
 
@@ -164,6 +168,10 @@ void FilePlaybackMixerDialog::addTimecodeRow(QVBoxLayout* rows)
     frameRateBadge->setStyleSheet(
         QString::fromLatin1(kBadgeStyle).arg(QLatin1String(Theme::kDanger), QLatin1String(Theme::kDangerBorder)));
 
+    // The name takes the place of the text, which says nothing by itself.
+    frameRateBadge->setAccessibleName(QStringLiteral("Frame rate"));
+    frameRateBadge->setAccessibleDescription(rate);
+
     auto* row = new QHBoxLayout;
     row->addWidget(timecodeLabel);
     row->addStretch();
@@ -182,6 +190,7 @@ void FilePlaybackMixerDialog::addWaveform(QVBoxLayout* rows)
     // A file without a way to be heard may still be seen, so this doesn't ask for the player.
     waveform->loadFile(filePath.toStdString());
     connect(waveform, &WaveformWidget::seekRequested, this, &FilePlaybackMixerDialog::onWaveformSeek);
+    connect(waveform, &WaveformWidget::stepRequested, this, &FilePlaybackMixerDialog::stepBy);
     rows->addWidget(waveform);
 }
 
@@ -189,6 +198,9 @@ void FilePlaybackMixerDialog::addStrips(QVBoxLayout* rows, const QList<QString>&
 {
     stripScroll = new QScrollArea(this);
     stripScroll->setObjectName(QStringLiteral("stripScroll"));
+    stripScroll->setAccessibleName(QStringLiteral("Tracks"));
+    // It has nothing to press, and scrolls to whatever control inside gets the keyboard.
+    stripScroll->setFocusPolicy(Qt::NoFocus);
     stripScroll->setWidgetResizable(true);
     stripScroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     stripScroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -71,6 +71,8 @@ private:
     void updateTransportUi();
 
     void openPlayer();
+    /// Goes on by so many seconds, or back, within the file.
+    void stepBy(double seconds);
     void addHeader(QVBoxLayout* rows);
     void addTransportRow(QVBoxLayout* rows);
     void addTimecodeRow(QVBoxLayout* rows);
