@@ -1,5 +1,6 @@
 #include "report/TakeDetailsPane.h"
 
+#include "app/look/ElidedLabel.h"
 #include "report/ReportTexts.h"
 #include "report/TakeInfo.h"
 
@@ -11,6 +12,7 @@
 namespace {
 
 constexpr int kMaximumWidth = 400; // Pixels.
+constexpr int kMostLines = 8; // Of a text that wraps; more would push the rows below out of the window.
 constexpr char kNoValue[] = "--";
 constexpr char kNotAvailable[] = "N/A";
 
@@ -68,11 +70,8 @@ TakeDetailsPane::TakeDetailsPane(QWidget* parent) : QGroupBox(QStringLiteral("Ta
     auto* detailsLayout = new QFormLayout(this);
     detailsLayout->setObjectName("detailsLayout");
     for (const Row& row : kRows) {
-        auto* label = new QLabel(QLatin1String(kNoValue));
+        auto* label = new ElidedLabel(QLatin1String(kNoValue), row.wraps ? kMostLines : 1);
         label->setObjectName(row.name);
-        // A note may look like markup; it is shown as it stands in the file.
-        label->setTextFormat(Qt::PlainText);
-        label->setWordWrap(row.wraps);
         detailsLayout->addRow(QLatin1String(row.caption), label);
         valueLabels.push_back(label);
     }
