@@ -1,7 +1,6 @@
 #include "window/MetadataManagerWindow.h"
 
 #include "app/look/Theme.h"
-#include "core/BwfMetadataReader.h"
 #include "window/FileCellDelegate.h"
 #include "window/FileTableColumns.h"
 #include "window/MetadataTexts.h"
@@ -170,31 +169,21 @@ void MetadataManagerWindow::openFiles(const QList<QString>& paths)
 void MetadataManagerWindow::addFiles(const QList<QString>& paths)
 {
     try {
-        readNewFiles(paths);
+        for (const QString& path : paths)
+            files.add(path);
     } catch (...) {
-        // A path that can't be sized ends the batch; lists and rows must be in step for whoever takes it from here.
-        appendRowsForNewRecords();
+        // A path that can't be sized ends the batch; list and rows must be in step for whoever takes it from here.
+        appendRowsForNewFiles();
         throw;
     }
-    appendRowsForNewRecords();
-    soundReportButton->setEnabled(!filePaths.isEmpty());
+    appendRowsForNewFiles();
+    soundReportButton->setEnabled(!files.isEmpty());
 }
 
-void MetadataManagerWindow::readNewFiles(const QList<QString>& paths)
-{
-    for (const QString& path : paths) {
-        if (listedPaths.contains(path))
-            continue;
-        records.append(BwfMetadataReader::readMetadata(path.toStdString()));
-        filePaths.append(path);
-        listedPaths.insert(path);
-    }
-}
-
-void MetadataManagerWindow::appendRowsForNewRecords()
+void MetadataManagerWindow::appendRowsForNewFiles()
 {
     const int firstNewRow = fileTable->rowCount();
-    const int rowCount = static_cast<int>(records.size());
+    const int rowCount = files.size();
     // All rows at once: each insertion by itself would renumber every play button above it. Updates stay enabled, since
     // enabling them again marks every button for painting; nothing is painted before the event loop runs anyway.
     fileTable->setRowCount(rowCount);
@@ -228,9 +217,9 @@ void MetadataManagerWindow::fillFileRow(int row)
     playItem->setTextAlignment(Qt::AlignCenter);
     fileTable->setItem(row, indexOf(FileColumn::Play), playItem);
 
-    const QFileInfo file(filePaths.at(row));
+    const QFileInfo file(files.path(row));
     for (int column = indexOf(FileColumn::FileName); column < kFileColumnCount; ++column) {
-        const QString text = fileCellText(static_cast<FileColumn>(column), records.at(row), file);
+        const QString text = fileCellText(static_cast<FileColumn>(column), files.record(row), file);
         fileTable->setItem(row, column, new QTableWidgetItem(text));
     }
 }
@@ -243,11 +232,6 @@ void MetadataManagerWindow::fitFileColumns()
     fileCells->endFitting();
     fileTable->horizontalHeader()->setSectionResizeMode(indexOf(FileColumn::Play), QHeaderView::Fixed);
     fileTable->setColumnWidth(indexOf(FileColumn::Play), kPlayColumnWidth);
-}
-
-bool MetadataManagerWindow::hasRecord(int row) const
-{
-    return row >= 0 && row < records.size();
 }
 
 QString MetadataManagerWindow::formatFileSize(unsigned long long bytes)

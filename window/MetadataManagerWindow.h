@@ -1,12 +1,11 @@
 #pragma once
 
-#include "core/BwfMetadata.h"
+#include "window/FileList.h"
 
 #include <QHash>
 #include <QIcon>
 #include <QList>
 #include <QMainWindow>
-#include <QSet>
 #include <QString>
 
 #include <cstdint>
@@ -28,10 +27,9 @@ class QVBoxLayout;
 
 /// The main window: a table of files above, three panes with the metadata of the selected ones below.
 ///
-/// 1. `records`, `filePaths` and the rows of `fileTable` move in step; the row number is the key into all three.
+/// 1. `files` (records and paths) and the rows of `fileTable` move in step; the row number is the key into both.
 ///    New rows go to the end and the table is never sorted, so the order is that of adding.
-/// 2. `listedPaths` holds exactly the paths of `filePaths`.
-/// 3. Signals are not blocked while the panes are filled: `dirty` means that the editors were touched by whatever
+/// 2. Signals are not blocked while the panes are filled: `dirty` means that the editors were touched by whatever
 ///    hand, and saving is offered as soon as they differ from what they showed before.
 ///
 /// Thread: main only. Reading and writing files blocks the window.
@@ -129,20 +127,17 @@ private:
     /// Saves the sizes at every move of a handle of `splitter`, which has all its panes by now.
     void keepSizesOf(QSplitter* splitter);
 
-    /// Appends records and paths of those `paths` that are not listed yet.
-    void readNewFiles(const QList<QString>& paths);
-    /// Makes the table's rows follow the lists, and fits the columns.
-    void appendRowsForNewRecords();
+    /// Makes the table's rows follow the list, and fits the columns.
+    void appendRowsForNewFiles();
     void fillFileRow(int row);
     void fitFileColumns();
     /// Gives the next rows without a play button theirs, and goes on when the window is idle until all have one.
     void attachWaitingPlayButtons();
-    /// Takes `rows`, ascending and all in range, out of lists and table; the selection is empty afterwards.
+    /// Takes `rows`, ascending and all in range, out of list and table; the selection is empty afterwards.
     void removeRows(const QList<int>& rows);
 
     /// The distinct selected rows of `fileTable`, ascending.
     QList<int> selectedRows() const;
-    bool hasRecord(int row) const;
     void showNoRow();
     void showOneRow(const BwfMetadata& record);
     void showSeveralRows(qsizetype count);
@@ -208,14 +203,12 @@ private:
     QVBoxLayout* trackLayout = nullptr;
     QTableWidget* trackTable = nullptr;
     QPushButton* saveButton = nullptr;
-    QList<BwfMetadata> records; ///< One per row, as last read from its file.
-    QList<QString> filePaths; ///< One per row, as handed to `addFiles`.
+    FileList files; ///< One per row.
     bool dirty = false; ///< The editors were touched since the last save, removal or clearing.
     QString lastDirectory; ///< Folder remembered for the open panel in this run; empty at first.
     FilePlaybackMixerDialog* playbackOverlay = nullptr; ///< Open mixer. Not owned; cleared when it is destroyed.
 
     FileCellDelegate* fileCells = nullptr; ///< Draws and measures the cells of `fileTable`, which owns it.
-    QSet<QString> listedPaths; ///< The entries of `filePaths`, so that duplicates are found without a search.
     int rowsWithPlayButton = 0; ///< The rows above this one have their play button, the others wait for it.
     bool playButtonRoundIsDue = false; ///< The next ones come with a turn of the event loop, however many files follow.
     QIcon playIcon; ///< Shared by all play buttons; drawn for the first one.

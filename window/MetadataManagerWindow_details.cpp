@@ -1,5 +1,6 @@
 #include "window/MetadataManagerWindow.h"
 
+#include "window/CommonValue.h"
 #include "window/FileTableColumns.h"
 #include "window/MetadataTexts.h"
 
@@ -82,9 +83,9 @@ void MetadataManagerWindow::updateMetadataDisplay()
         return;
     }
     if (rows.size() == 1) {
-        if (!hasRecord(rows.first()))
+        if (!files.contains(rows.first()))
             return;
-        showOneRow(records.at(rows.first()));
+        showOneRow(files.record(rows.first()));
     } else {
         showSeveralRows(rows.size());
         trackTable->setRowCount(0);
@@ -206,30 +207,14 @@ void MetadataManagerWindow::showTracks(const std::vector<BwfTrack>& tracks)
     }
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the signature is fixed.
 QString MetadataManagerWindow::getCommonValue(const QString&, std::function<QString(const BwfMetadata&)> getter)
 {
-    std::optional<QString> common;
-    for (const int row : selectedRows()) {
-        if (!hasRecord(row))
-            continue;
-        const QString value = getter(records.at(row));
-        if (common && *common != value)
-            return noValueMark();
-        common = value;
-    }
-    return common.value_or(noValueMark());
+    return commonValue(files.recordsOf(selectedRows()), std::cref(getter)).value_or(noValueMark());
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the signature is fixed.
 bool MetadataManagerWindow::getCommonBool(const QString&, std::function<bool(const BwfMetadata&)> getter)
 {
-    std::optional<bool> common;
-    for (const int row : selectedRows()) {
-        if (!hasRecord(row))
-            continue;
-        const bool value = getter(records.at(row));
-        if (common && *common != value)
-            return false;
-        common = value;
-    }
-    return common.value_or(false);
+    return commonValue(files.recordsOf(selectedRows()), std::cref(getter)).value_or(false);
 }

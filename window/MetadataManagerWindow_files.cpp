@@ -15,6 +15,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QSet>
 #include <QSignalBlocker>
 #include <QTableWidget>
 #include <QUrl>
@@ -48,24 +49,6 @@ QString nearestExistingFolder(const QString& dir)
         path = parent;
     }
     return path;
-}
-
-/// `list` without the entries at `rows`, which are ascending and in range.
-template <typename Entry> void eraseRows(QList<Entry>& list, const QList<int>& rows)
-{
-    auto nextErased = rows.begin();
-    auto kept = list.begin();
-    for (qsizetype row = 0; row < list.size(); ++row) {
-        if (nextErased != rows.end() && *nextErased == row) {
-            ++nextErased;
-            continue;
-        }
-        // An entry moved onto itself would lose its texts.
-        if (&*kept != &list[row])
-            *kept = std::move(list[row]);
-        ++kept;
-    }
-    list.erase(kept, list.end());
 }
 
 /// Rows that follow one another.
@@ -144,13 +127,13 @@ void MetadataManagerWindow::onAdd()
     const QFileInfo first(picked.first());
     rememberDirectory(first.isDir() ? first.absoluteFilePath() : first.absolutePath());
 
-    const QList<QString> files = collectWavFilesFromPaths(picked);
-    if (files.isEmpty()) {
+    const QList<QString> found = collectWavFilesFromPaths(picked);
+    if (found.isEmpty()) {
         QMessageBox::information(
             this, QStringLiteral("Add"), QStringLiteral("No WAV files were found in the selection."), QMessageBox::Ok);
         return;
     }
-    addFiles(files);
+    addFiles(found);
 }
 
 void MetadataManagerWindow::dragEnterEvent(QDragEnterEvent* event)
@@ -172,13 +155,13 @@ void MetadataManagerWindow::dropEvent(QDropEvent* event)
 
 QList<QString> MetadataManagerWindow::collectWavFilesFromPaths(const QList<QString>& paths) const
 {
-    QList<QString> files;
+    QList<QString> found;
     QSet<QString> seen;
     const auto addOnce = [&](const QString& path) {
         if (seen.contains(path))
             return;
         seen.insert(path);
-        files.append(path);
+        found.append(path);
     };
 
     for (const QString& path : paths) {
@@ -192,7 +175,7 @@ QList<QString> MetadataManagerWindow::collectWavFilesFromPaths(const QList<QStri
             addOnce(file.absoluteFilePath());
         }
     }
-    return files;
+    return found;
 }
 
 QList<QString> MetadataManagerWindow::collectWavFilesInDirectory(const QString& dir) const
@@ -232,18 +215,15 @@ void MetadataManagerWindow::onRemoveFile()
         return;
     closePlaybackOverlayOfRows(rows);
     removeRows(rows);
-    soundReportButton->setEnabled(!filePaths.isEmpty());
+    soundReportButton->setEnabled(!files.isEmpty());
     dirty = false;
 }
 
 void MetadataManagerWindow::removeRows(const QList<int>& rows)
 {
-    for (const int row : rows)
-        listedPaths.remove(filePaths.at(row));
+    files.remove(rows);
     rowsWithPlayButton
         -= static_cast<int>(std::lower_bound(rows.begin(), rows.end(), rowsWithPlayButton) - rows.begin());
-    eraseRows(records, rows);
-    eraseRows(filePaths, rows);
     {
         // The panes are filled once, at the end, and not after each removal.
         const QSignalBlocker oneSignal(fileTable);
@@ -263,9 +243,7 @@ void MetadataManagerWindow::onClear()
 {
     closePlaybackOverlay();
     fileTable->setRowCount(0);
-    records.clear();
-    filePaths.clear();
-    listedPaths.clear();
+    files.clear();
     rowsWithPlayButton = 0;
     updateMetadataDisplay();
     soundReportButton->setEnabled(false);

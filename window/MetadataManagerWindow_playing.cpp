@@ -89,9 +89,9 @@ void MetadataManagerWindow::attachPlayButton(int row)
 
 void MetadataManagerWindow::onPlayFile(int row)
 {
-    if (row < 0 || row >= filePaths.size() || !hasRecord(row))
+    if (!files.contains(row))
         return;
-    const QString path = filePaths.at(row);
+    const QString path = files.path(row);
     if (!playbackOverlay || playbackOverlay->filePath != path) {
         // Only one file plays at a time.
         closePlaybackOverlay();
@@ -105,8 +105,8 @@ void MetadataManagerWindow::onPlayFile(int row)
 void MetadataManagerWindow::openPlaybackOverlay(int row)
 {
     // By value: the dialog may wait in a warning box, and files may be opened meanwhile.
-    const BwfMetadata record = records.at(row);
-    auto* const dialog = new FilePlaybackMixerDialog(filePaths.at(row), trackNamesForRow(row), record, this);
+    const BwfMetadata record = files.record(row);
+    auto* const dialog = new FilePlaybackMixerDialog(files.path(row), trackNamesForRow(row), record, this);
     playbackOverlay = dialog;
     connect(dialog, &QObject::destroyed, this, [this, dialog] {
         // An old dialog may go when a new one stands already.
@@ -117,7 +117,7 @@ void MetadataManagerWindow::openPlaybackOverlay(int row)
 
 QList<QString> MetadataManagerWindow::trackNamesForRow(int row) const
 {
-    return hasRecord(row) ? mixerTrackNames(records.at(row)) : QList<QString>();
+    return files.contains(row) ? mixerTrackNames(files.record(row)) : QList<QString>();
 }
 
 void MetadataManagerWindow::closePlaybackOverlay()
@@ -136,7 +136,7 @@ void MetadataManagerWindow::closePlaybackOverlayOfRows(const QList<int>& rows)
 {
     if (!playbackOverlay)
         return;
-    const auto plays = [this](int row) { return hasRecord(row) && filePaths.at(row) == playbackOverlay->filePath; };
+    const auto plays = [this](int row) { return files.contains(row) && files.path(row) == playbackOverlay->filePath; };
     if (std::any_of(rows.begin(), rows.end(), plays))
         closePlaybackOverlay();
 }

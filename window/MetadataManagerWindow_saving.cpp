@@ -1,6 +1,5 @@
 #include "window/MetadataManagerWindow.h"
 
-#include "core/BwfMetadataReader.h"
 #include "core/BwfMetadataWriter.h"
 #include "window/FileTableColumns.h"
 #include "window/MetadataTexts.h"
@@ -83,19 +82,19 @@ BwfMetadata MetadataManagerWindow::updateRecord(const BwfMetadata& record, bool 
 
 void MetadataManagerWindow::writeRow(int row, const BwfMetadata& update)
 {
-    const QString path = filePaths.at(row);
+    const QString path = files.path(row);
     if (!BwfMetadataWriter::writeMetadata(path.toStdString(), update))
         QMessageBox::warning(this, "Error", QString("Failed to save metadata to:\n%1").arg(path));
 }
 
 void MetadataManagerWindow::readBackRow(int row)
 {
-    const QString& path = filePaths.at(row);
-    records[row] = BwfMetadataReader::readMetadata(path.toStdString());
+    const QString& path = files.path(row);
+    files.readAgain(row);
     const QFileInfo file(path);
     for (const FileColumn column : kRefreshedColumns) {
         if (QTableWidgetItem* item = fileTable->item(row, indexOf(column)))
-            item->setText(fileCellText(column, records.at(row), file));
+            item->setText(fileCellText(column, files.record(row), file));
     }
 }
 
@@ -108,11 +107,11 @@ void MetadataManagerWindow::onSaveChanges()
     // One after the other, and nothing is undone: a file that fails has its warning, and the batch goes on. All files
     // are read back, those that failed too: the file is the truth.
     for (const int row : rows) {
-        if (hasRecord(row))
-            writeRow(row, updateRecord(records.at(row), rows.size() == 1));
+        if (files.contains(row))
+            writeRow(row, updateRecord(files.record(row), rows.size() == 1));
     }
     for (const int row : rows) {
-        if (hasRecord(row))
+        if (files.contains(row))
             readBackRow(row);
     }
 

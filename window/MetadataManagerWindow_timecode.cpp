@@ -91,10 +91,10 @@ void MetadataManagerWindow::onTimecodeClicked()
         QMessageBox::information(this, kTitle, "Please select exactly one file to edit timecode.");
         return;
     }
-    if (!hasRecord(rows.first()))
+    if (!files.contains(rows.first()))
         return;
 
-    const BwfMetadata& record = records.at(rows.first());
+    const BwfMetadata& record = files.record(rows.first());
     const uint32_t rate = timecodeRate(record);
     const double frameRate = record.frameRate > 0.0 ? record.frameRate : kFallbackFrameRate;
     const QString shown = timecodeButton->text();
