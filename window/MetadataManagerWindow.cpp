@@ -1,39 +1,23 @@
 #include "window/MetadataManagerWindow.h"
 
 #include "app/look/Theme.h"
-#include "window/FileCellDelegate.h"
-#include "window/FileTableColumns.h"
+#include "window/FileTable.h"
 #include "window/MetadataTexts.h"
-#include "window/PlayColumnItem.h"
 #include "window/WidgetHelpers.h"
 
 #include <QFileInfo>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QPushButton>
 #include <QSplitter>
-#include <QTableWidget>
 #include <QTimer>
 #include <QVBoxLayout>
-
-#include <algorithm>
-#include <array>
 
 namespace {
 
 constexpr int kStartWidth = 1200;
 constexpr int kStartHeight = 800;
 constexpr int kSplitterHandleWidth = 6;
-constexpr int kPlayColumnWidth = 40;
-constexpr int kSmallestColumnWidth = 24;
-constexpr int kFewestPlayButtonsAtOnce = 100;
-/// Qt lays out and looks through all buttons after each round, so rounds of one size would cost time by the square of
-/// the rows. Rounds by a part of what is there keep it in proportion.
-constexpr int kPartOfPlayButtonsAtOnce = 16;
-
-constexpr std::array<const char*, kFileColumnCount> kFileHeaders{ "", "File Name", "File Size", "Channels", "TAPEID",
-    "SCENE", "TAKE", "START TC", "LENGTH", "DATE", "CIRCLED", "SAMPLE RATE", "FRAME RATE", "Notes" };
 
 void keepSplitterOpen(QSplitter* splitter)
 {
@@ -96,7 +80,9 @@ void MetadataManagerWindow::buildFrame()
 QWidget* MetadataManagerWindow::buildFilesPane()
 {
     auto* pane = named("filesGroup", new QGroupBox(QStringLiteral("Files")));
-    buildFileTable();
+    fileTable = named("fileTable", new FileTable);
+    connect(fileTable, &FileTable::itemSelectionChanged, this, &MetadataManagerWindow::onFileSelectionChanged);
+    connect(fileTable, &FileTable::playWanted, this, &MetadataManagerWindow::onPlayFile);
 
     addButton = named("addButton", new QPushButton(QStringLiteral("Add...")));
     addButton->setToolTip(QStringLiteral("Add WAV files, or folders (all WAVs inside are added)."));
@@ -128,35 +114,6 @@ QWidget* MetadataManagerWindow::buildFilesPane()
     return pane;
 }
 
-void MetadataManagerWindow::buildFileTable()
-{
-    fileTable = named("fileTable", new QTableWidget(0, kFileColumnCount));
-    fileTable->setAccessibleName(QStringLiteral("Files"));
-    fileCells = new FileCellDelegate(fileTable);
-    fileTable->setItemDelegate(fileCells);
-    QStringList titles;
-    for (const char* title : kFileHeaders)
-        titles.append(QLatin1String(title));
-    fileTable->setHorizontalHeaderLabels(titles);
-
-    fileTable->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    fileTable->setSelectionBehavior(QAbstractItemView::SelectRows);
-    fileTable->setDragDropMode(QAbstractItemView::DropOnly);
-    fileTable->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    // Tab leaves the table instead of walking through its cells for ever.
-    fileTable->setTabKeyNavigation(false);
-    fileTable->verticalHeader()->setVisible(false);
-    fileTable->horizontalHeader()->setStretchLastSection(true);
-    fileTable->horizontalHeader()->setMinimumSectionSize(kSmallestColumnWidth);
-    fileTable->horizontalHeader()->setSectionResizeMode(indexOf(FileColumn::Play), QHeaderView::Fixed);
-    fileTable->setColumnWidth(indexOf(FileColumn::Play), kPlayColumnWidth);
-    fileTable->setShowGrid(false);
-    fileTable->setAlternatingRowColors(true);
-    fileTable->setStyleSheet(Theme::fileTableStyleSheet());
-    fitFileColumns();
-    connect(fileTable, &QTableWidget::itemSelectionChanged, this, &MetadataManagerWindow::onFileSelectionChanged);
-}
-
 void MetadataManagerWindow::openFiles(const QList<QString>& paths)
 {
     if (paths.isEmpty())
@@ -173,65 +130,11 @@ void MetadataManagerWindow::addFiles(const QList<QString>& paths)
             files.add(path);
     } catch (...) {
         // A path that can't be sized ends the batch; list and rows must be in step for whoever takes it from here.
-        appendRowsForNewFiles();
+        fileTable->appendRows(files);
         throw;
     }
-    appendRowsForNewFiles();
+    fileTable->appendRows(files);
     soundReportButton->setEnabled(!files.isEmpty());
-}
-
-void MetadataManagerWindow::appendRowsForNewFiles()
-{
-    const int firstNewRow = fileTable->rowCount();
-    const int rowCount = files.size();
-    // All rows at once: each insertion by itself would renumber every play button above it. Updates stay enabled, since
-    // enabling them again marks every button for painting; nothing is painted before the event loop runs anyway.
-    fileTable->setRowCount(rowCount);
-    for (int row = firstNewRow; row < rowCount; ++row)
-        fillFileRow(row);
-    attachWaitingPlayButtons();
-    fitFileColumns();
-}
-
-void MetadataManagerWindow::attachWaitingPlayButtons()
-{
-    // A styled button takes ten times as long as reading its file. The first rows get theirs at once, the others while
-    // the window is idle, so that thousands of files are there to be worked on long before the last button is.
-    const int round = std::max(kFewestPlayButtonsAtOnce, rowsWithPlayButton / kPartOfPlayButtonsAtOnce);
-    const int end = std::min(fileTable->rowCount(), rowsWithPlayButton + round);
-    for (; rowsWithPlayButton < end; ++rowsWithPlayButton)
-        attachPlayButton(rowsWithPlayButton);
-    if (rowsWithPlayButton >= fileTable->rowCount() || playButtonRoundIsDue)
-        return;
-    playButtonRoundIsDue = true;
-    QTimer::singleShot(0, this, [this] {
-        playButtonRoundIsDue = false;
-        attachWaitingPlayButtons();
-    });
-}
-
-void MetadataManagerWindow::fillFileRow(int row)
-{
-    auto* playItem = new PlayColumnItem;
-    playItem->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
-    playItem->setTextAlignment(Qt::AlignCenter);
-    fileTable->setItem(row, indexOf(FileColumn::Play), playItem);
-
-    const QFileInfo file(files.path(row));
-    for (int column = indexOf(FileColumn::FileName); column < kFileColumnCount; ++column) {
-        const QString text = fileCellText(static_cast<FileColumn>(column), files.record(row), file);
-        fileTable->setItem(row, column, new QTableWidgetItem(text));
-    }
-}
-
-void MetadataManagerWindow::fitFileColumns()
-{
-    fileCells->beginFitting();
-    for (int column = indexOf(FileColumn::FileName); column < kFileColumnCount; ++column)
-        fileTable->resizeColumnToContents(column);
-    fileCells->endFitting();
-    fileTable->horizontalHeader()->setSectionResizeMode(indexOf(FileColumn::Play), QHeaderView::Fixed);
-    fileTable->setColumnWidth(indexOf(FileColumn::Play), kPlayColumnWidth);
 }
 
 QString MetadataManagerWindow::formatFileSize(unsigned long long bytes)

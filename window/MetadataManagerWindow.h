@@ -3,17 +3,15 @@
 #include "window/FileList.h"
 
 #include <QHash>
-#include <QIcon>
 #include <QList>
 #include <QMainWindow>
 #include <QString>
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 
-class FileCellDelegate;
 class FilePlaybackMixerDialog;
+class FileTable;
 class QCheckBox;
 class QFormLayout;
 class QGroupBox;
@@ -118,7 +116,6 @@ protected:
 private:
     void buildFrame();
     QWidget* buildFilesPane();
-    void buildFileTable();
     QWidget* buildDetailPanes();
     void buildGeneralPane();
     void buildRecordingPane();
@@ -127,17 +124,6 @@ private:
     /// Saves the sizes at every move of a handle of `splitter`, which has all its panes by now.
     void keepSizesOf(QSplitter* splitter);
 
-    /// Makes the table's rows follow the list, and fits the columns.
-    void appendRowsForNewFiles();
-    void fillFileRow(int row);
-    void fitFileColumns();
-    /// Gives the next rows without a play button theirs, and goes on when the window is idle until all have one.
-    void attachWaitingPlayButtons();
-    /// Takes `rows`, ascending and all in range, out of list and table; the selection is empty afterwards.
-    void removeRows(const QList<int>& rows);
-
-    /// The distinct selected rows of `fileTable`, ascending.
-    QList<int> selectedRows() const;
     void showNoRow();
     void showOneRow(const BwfMetadata& record);
     void showSeveralRows(qsizetype count);
@@ -172,7 +158,7 @@ private:
     QVBoxLayout* mainLayout = nullptr; ///< Layout of `centralArea`.
     QSplitter* filesSplitter = nullptr; ///< Outer one, vertical: the file list above the panes.
     QSplitter* detailSplitter = nullptr; ///< Inner one, horizontal: the three panes.
-    QTableWidget* fileTable = nullptr;
+    FileTable* fileTable = nullptr;
     QPushButton* addButton = nullptr;
     QPushButton* removeFileButton = nullptr;
     QPushButton* clearButton = nullptr;
@@ -208,10 +194,5 @@ private:
     QString lastDirectory; ///< Folder remembered for the open panel in this run; empty at first.
     FilePlaybackMixerDialog* playbackOverlay = nullptr; ///< Open mixer. Not owned; cleared when it is destroyed.
 
-    FileCellDelegate* fileCells = nullptr; ///< Draws and measures the cells of `fileTable`, which owns it.
-    int rowsWithPlayButton = 0; ///< The rows above this one have their play button, the others wait for it.
-    bool playButtonRoundIsDue = false; ///< The next ones come with a turn of the event loop, however many files follow.
-    QIcon playIcon; ///< Shared by all play buttons; drawn for the first one.
     QHash<const QWidget*, QString> filledTexts; ///< By text editor: what it showed when it had just been filled.
-    std::optional<QList<int>> rowsOfFill; ///< Selected rows while the panes are filled, worked out once for all fields.
 };

@@ -1,20 +1,17 @@
 #include "window/MetadataManagerWindow.h"
 
 #include "window/CommonValue.h"
+#include "window/FileTable.h"
 #include "window/FileTableColumns.h"
 #include "window/MetadataTexts.h"
 
 #include <QCheckBox>
-#include <QItemSelection>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScopedValueRollback>
 #include <QTableWidget>
 #include <QTextDocument>
 #include <QTextEdit>
-
-#include <algorithm>
 
 namespace {
 
@@ -39,41 +36,21 @@ void setTrackCell(QTableWidget* table, int row, TrackColumn column, const QStrin
 
 } // namespace
 
-QList<int> MetadataManagerWindow::selectedRows() const
-{
-    if (rowsOfFill)
-        return *rowsOfFill;
-
-    // By ranges and not by items: the table has fourteen items a row. Ranges may share rows, as a cell can be
-    // selected by itself.
-    QList<int> rows;
-    const QItemSelection selection = fileTable->selectionModel()->selection();
-    for (const QItemSelectionRange& range : selection) {
-        for (int row = range.top(); row <= range.bottom(); ++row)
-            rows.append(row);
-    }
-    std::sort(rows.begin(), rows.end());
-    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-    return rows;
-}
-
 void MetadataManagerWindow::onFileSelectionChanged()
 {
-    removeFileButton->setEnabled(fileTable->selectionModel()->hasSelection());
+    removeFileButton->setEnabled(fileTable->hasSelection());
     updateMetadataDisplay();
 }
 
 void MetadataManagerWindow::onMetadataChanged()
 {
     dirty = true;
-    saveButton->setEnabled(fileTable->selectionModel()->hasSelection());
+    saveButton->setEnabled(fileTable->hasSelection());
 }
 
 void MetadataManagerWindow::updateMetadataDisplay()
 {
-    const QList<int> rows = selectedRows();
-    const QScopedValueRollback<std::optional<QList<int>>> rowsOfThisFill(rowsOfFill, rows);
-
+    const QList<int> rows = fileTable->selectedRows();
     // A start time that was typed but not saved lives no longer than what the panes show.
     pendingTimeReference = 0;
     if (rows.isEmpty()) {
@@ -210,11 +187,11 @@ void MetadataManagerWindow::showTracks(const std::vector<BwfTrack>& tracks)
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the signature is fixed.
 QString MetadataManagerWindow::getCommonValue(const QString&, std::function<QString(const BwfMetadata&)> getter)
 {
-    return commonValue(files.recordsOf(selectedRows()), std::cref(getter)).value_or(noValueMark());
+    return commonValue(files.recordsOf(fileTable->selectedRows()), std::cref(getter)).value_or(noValueMark());
 }
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the signature is fixed.
 bool MetadataManagerWindow::getCommonBool(const QString&, std::function<bool(const BwfMetadata&)> getter)
 {
-    return commonValue(files.recordsOf(selectedRows()), std::cref(getter)).value_or(false);
+    return commonValue(files.recordsOf(fileTable->selectedRows()), std::cref(getter)).value_or(false);
 }

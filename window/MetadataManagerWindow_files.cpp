@@ -4,8 +4,7 @@
 #include "app/files/NativeFilePanel.h"
 #include "app/files/WavSuffix.h"
 #include "app/settings/ConfigManager.h"
-#include "window/FileTableColumns.h"
-#include "window/PlayColumnItem.h"
+#include "window/FileTable.h"
 
 #include <QDir>
 #include <QDragEnterEvent>
@@ -16,11 +15,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QSet>
-#include <QSignalBlocker>
-#include <QTableWidget>
 #include <QUrl>
-
-#include <algorithm>
 
 namespace {
 
@@ -49,64 +44,6 @@ QString nearestExistingFolder(const QString& dir)
         path = parent;
     }
     return path;
-}
-
-/// Rows that follow one another.
-struct RowRun {
-    int first;
-    int count;
-};
-
-/// Removal in few steps is cheap; each step costs time by the number of rows, as every play button is renumbered.
-constexpr qsizetype kFewRuns = 16;
-
-QList<RowRun> runsOf(const QList<int>& rows)
-{
-    QList<RowRun> runs;
-    for (const int row : rows) {
-        if (!runs.isEmpty() && runs.last().first + runs.last().count == row)
-            ++runs.last().count;
-        else
-            runs.append({ row, 1 });
-    }
-    return runs;
-}
-
-void removeRuns(QTableWidget* table, const QList<RowRun>& runs)
-{
-    // From the bottom up, so that no removal moves the rows still to come.
-    for (auto run = runs.crbegin(); run != runs.crend(); ++run)
-        table->model()->removeRows(run->first, run->count);
-}
-
-/// Where the current row goes when `rows` are removed one by one from the bottom up: to the nearest row above that
-/// stays, else to the first one that does. -1 if none stays or none is current.
-int currentRowWithout(const QTableWidget* table, const QList<int>& rows)
-{
-    const auto stays = [&](int row) { return !std::binary_search(rows.begin(), rows.end(), row); };
-    for (int row = table->currentRow(); row >= 0; --row) {
-        if (stays(row))
-            return row;
-    }
-    for (int row = 0; table->currentRow() >= 0 && row < table->rowCount(); ++row) {
-        if (stays(row))
-            return row;
-    }
-    return -1;
-}
-
-/// Brings `rows` together at the top in one step, which takes the play buttons along, and removes them in another.
-void removeScattered(QTableWidget* table, const QList<int>& rows)
-{
-    const int current = currentRowWithout(table, rows);
-    const int column = std::max(table->currentColumn(), 0);
-    table->setCurrentCell(current, column, QItemSelectionModel::Clear);
-
-    const int playColumn = indexOf(FileColumn::Play);
-    for (const int row : rows)
-        table->item(row, playColumn)->setData(PlayColumnItem::kLeavingRole, true);
-    table->model()->sort(playColumn);
-    table->model()->removeRows(0, static_cast<int>(rows.size()));
 }
 
 } // namespace
@@ -210,41 +147,25 @@ QString MetadataManagerWindow::startingDirectory() const
 
 void MetadataManagerWindow::onRemoveFile()
 {
-    const QList<int> rows = selectedRows();
+    const QList<int> rows = fileTable->selectedRows();
     if (rows.isEmpty())
         return;
     closePlaybackOverlayOfRows(rows);
-    removeRows(rows);
-    soundReportButton->setEnabled(!files.isEmpty());
-    dirty = false;
-}
-
-void MetadataManagerWindow::removeRows(const QList<int>& rows)
-{
     files.remove(rows);
-    rowsWithPlayButton
-        -= static_cast<int>(std::lower_bound(rows.begin(), rows.end(), rowsWithPlayButton) - rows.begin());
-    {
-        // The panes are filled once, at the end, and not after each removal.
-        const QSignalBlocker oneSignal(fileTable);
-        const QList<RowRun> runs = runsOf(rows);
-        if (runs.size() <= kFewRuns)
-            removeRuns(fileTable, runs);
-        else
-            removeScattered(fileTable, rows);
-    }
+    fileTable->takeOutRows(rows);
     // Row by row the last but one removal would have left a single file in the panes, whose take can be edited.
     if (rows.size() > 1)
         takeEdit->setEnabled(true);
     onFileSelectionChanged();
+    soundReportButton->setEnabled(!files.isEmpty());
+    dirty = false;
 }
 
 void MetadataManagerWindow::onClear()
 {
     closePlaybackOverlay();
-    fileTable->setRowCount(0);
+    fileTable->clearRows();
     files.clear();
-    rowsWithPlayButton = 0;
     updateMetadataDisplay();
     soundReportButton->setEnabled(false);
     dirty = false;

@@ -3,6 +3,7 @@
 #include "app/look/Theme.h"
 #include "app/settings/ConfigManager.h"
 #include "window/FileDragFilter.h"
+#include "window/FileTable.h"
 #include "window/FileTableColumns.h"
 #include "window/MetadataTexts.h"
 #include "window/WidgetHelpers.h"

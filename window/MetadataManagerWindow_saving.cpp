@@ -1,6 +1,7 @@
 #include "window/MetadataManagerWindow.h"
 
 #include "core/BwfMetadataWriter.h"
+#include "window/FileTable.h"
 #include "window/FileTableColumns.h"
 #include "window/MetadataTexts.h"
 
@@ -12,17 +13,6 @@
 #include <QTextEdit>
 
 namespace {
-
-/// The cells that follow a save. The others keep their text, although size and date of the file may have changed.
-constexpr FileColumn kRefreshedColumns[] = {
-    FileColumn::TapeId,
-    FileColumn::Scene,
-    FileColumn::Take,
-    FileColumn::StartTimecode,
-    FileColumn::Circled,
-    FileColumn::FrameRate,
-    FileColumn::Notes,
-};
 
 /// The cell's text as UTF-8, or `own` while the cell shows just that.
 std::string cellBytes(const QTableWidget* table, int row, TrackColumn column, const std::string& own)
@@ -91,16 +81,12 @@ void MetadataManagerWindow::readBackRow(int row)
 {
     const QString& path = files.path(row);
     files.readAgain(row);
-    const QFileInfo file(path);
-    for (const FileColumn column : kRefreshedColumns) {
-        if (QTableWidgetItem* item = fileTable->item(row, indexOf(column)))
-            item->setText(fileCellText(column, files.record(row), file));
-    }
+    fileTable->refreshRow(row, files.record(row), QFileInfo(path));
 }
 
 void MetadataManagerWindow::onSaveChanges()
 {
-    const QList<int> rows = selectedRows();
+    const QList<int> rows = fileTable->selectedRows();
     if (rows.isEmpty())
         return;
 

@@ -1,5 +1,6 @@
 #include "window/MetadataManagerWindow.h"
 
+#include "window/FileTable.h"
 #include "window/MetadataTexts.h"
 #include "window/TimecodeEntry.h"
 #include "window/WidgetHelpers.h"
@@ -82,7 +83,7 @@ std::optional<QString> askForTimecode(QWidget* parent, const QString& shown)
 
 void MetadataManagerWindow::onTimecodeClicked()
 {
-    const QList<int> rows = selectedRows();
+    const QList<int> rows = fileTable->selectedRows();
     if (rows.isEmpty()) {
         QMessageBox::information(this, kTitle, "Please select a file first.");
         return;

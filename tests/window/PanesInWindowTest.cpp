@@ -15,7 +15,7 @@
 
 namespace {
 
-class DetailPanes : public WindowFixture {
+class PanesInWindow : public WindowFixture {
 protected:
     std::string notes() const { return widget<QTextEdit>("notesEdit")->toPlainText().toStdString(); }
     bool checked(const char* box) const { return widget<QCheckBox>(box)->isChecked(); }
@@ -30,8 +30,8 @@ protected:
         recording.note = "plane";
         recording.frameRate = "25/1";
         recording.ubits = "00112233";
-        recording.circled = true;
-        recording.wildTrack = true;
+        recording.circled = "TRUE";
+        recording.wildTrack = "TRUE";
         recording.timeReference = 172824000;
         recording.timestampRate = 48048;
         recording.trackNames = { "Boom", "Lav" };
@@ -71,7 +71,7 @@ protected:
     }
 };
 
-TEST_F(DetailPanes, generalPaneHasItsRows)
+TEST_F(PanesInWindow, generalPaneHasItsRows)
 {
     EXPECT_EQ(widget<QGroupBox>("generalGroup")->title(), QStringLiteral("GENERAL"));
     const std::vector<std::pair<std::string, std::string>> wanted{ { "Current File:", "currentFileLabel" },
@@ -82,7 +82,7 @@ TEST_F(DetailPanes, generalPaneHasItsRows)
     EXPECT_EQ(widget<QTextEdit>("notesEdit")->maximumHeight(), 100);
 }
 
-TEST_F(DetailPanes, recordingPaneHasItsRows)
+TEST_F(PanesInWindow, recordingPaneHasItsRows)
 {
     EXPECT_EQ(widget<QGroupBox>("recordingGroup")->title(), QStringLiteral("RECORDING INFO"));
     const std::vector<std::pair<std::string, std::string>> wanted{ { "Sample Rate:", "sampleRateLabel" },
@@ -95,7 +95,7 @@ TEST_F(DetailPanes, recordingPaneHasItsRows)
     EXPECT_EQ(widget<QPushButton>("timecodeButton")->cursor().shape(), Qt::PointingHandCursor);
 }
 
-TEST_F(DetailPanes, trackPaneHoldsTheTrackTable)
+TEST_F(PanesInWindow, trackPaneHoldsTheTrackTable)
 {
     EXPECT_EQ(widget<QGroupBox>("trackGroup")->title(), QStringLiteral("TRACK INFO"));
     std::vector<std::string> titles;
@@ -110,12 +110,12 @@ TEST_F(DetailPanes, trackPaneHoldsTheTrackTable)
     EXPECT_EQ(tracks()->selectionBehavior(), QAbstractItemView::SelectItems);
 }
 
-TEST_F(DetailPanes, startEmpty)
+TEST_F(PanesInWindow, startEmpty)
 {
     expectEmptyPanes();
 }
 
-TEST_F(DetailPanes, withoutASelectionEverythingIsEmptyAgain)
+TEST_F(PanesInWindow, withoutASelectionEverythingIsEmptyAgain)
 {
     add("a.wav", full());
     select({ 0 });
@@ -125,7 +125,7 @@ TEST_F(DetailPanes, withoutASelectionEverythingIsEmptyAgain)
     EXPECT_FALSE(enabled("saveButton"));
 }
 
-TEST_F(DetailPanes, oneFileIsShownInFull)
+TEST_F(PanesInWindow, oneFileIsShownInFull)
 {
     add("a.wav", full());
     select({ 0 });
@@ -148,7 +148,7 @@ TEST_F(DetailPanes, oneFileIsShownInFull)
     EXPECT_EQ(text("bitDepthLabel"), "24 bit");
 }
 
-TEST_F(DetailPanes, oneFileThatSaysNothingShowsMarksAndZeros)
+TEST_F(PanesInWindow, oneFileThatSaysNothingShowsMarksAndZeros)
 {
     writeBytes(folder.file("a.wav"), "");
     window->addFiles({ path("a.wav") });
@@ -165,14 +165,14 @@ TEST_F(DetailPanes, oneFileThatSaysNothingShowsMarksAndZeros)
     EXPECT_EQ(tracks()->rowCount(), 0);
 }
 
-TEST_F(DetailPanes, monoIsANumberInThePane)
+TEST_F(PanesInWindow, monoIsANumberInThePane)
 {
     add("a.wav", { .channels = 1 });
     select({ 0 });
     EXPECT_EQ(text("channelsLabel"), "1");
 }
 
-TEST_F(DetailPanes, timeReferenceOfZeroShowsMarks)
+TEST_F(PanesInWindow, timeReferenceOfZeroShowsMarks)
 {
     add("a.wav", { .frameRate = "25/1" });
     select({ 0 });
@@ -180,7 +180,7 @@ TEST_F(DetailPanes, timeReferenceOfZeroShowsMarks)
     EXPECT_EQ(text("samplesSinceMidnightLabel"), kMark);
 }
 
-TEST_F(DetailPanes, frameRatesAreShort)
+TEST_F(PanesInWindow, frameRatesAreShort)
 {
     add("a.wav", { .frameRate = "29.97" });
     add("b.wav", { .frameRate = "24" });
@@ -190,7 +190,7 @@ TEST_F(DetailPanes, frameRatesAreShort)
     EXPECT_EQ(text("frameRateLabel"), "24 fps");
 }
 
-TEST_F(DetailPanes, severalFilesShowWhatTheyShare)
+TEST_F(PanesInWindow, severalFilesShowWhatTheyShare)
 {
     add("a.wav", full());
     add("b.wav", full());
@@ -209,7 +209,7 @@ TEST_F(DetailPanes, severalFilesShowWhatTheyShare)
     EXPECT_EQ(tracks()->rowCount(), 0);
 }
 
-TEST_F(DetailPanes, severalFilesNeverShareTakeAndTimes)
+TEST_F(PanesInWindow, severalFilesNeverShareTakeAndTimes)
 {
     add("a.wav", full());
     add("b.wav", full());
@@ -222,7 +222,7 @@ TEST_F(DetailPanes, severalFilesNeverShareTakeAndTimes)
     EXPECT_EQ(text("takeEdit"), "3");
 }
 
-TEST_F(DetailPanes, severalFilesShowTheMarkWhereTheyDiffer)
+TEST_F(PanesInWindow, severalFilesShowTheMarkWhereTheyDiffer)
 {
     add("a.wav", full());
     Recording other{ .scene = "13",
@@ -241,7 +241,7 @@ TEST_F(DetailPanes, severalFilesShowTheMarkWhereTheyDiffer)
     EXPECT_FALSE(checked("wildTrackCheck"));
 }
 
-TEST_F(DetailPanes, severalFilesThatSayNothingShareZerosAndMarks)
+TEST_F(PanesInWindow, severalFilesThatSayNothingShareZerosAndMarks)
 {
     writeBytes(folder.file("a.wav"), "");
     writeBytes(folder.file("b.wav"), "");
@@ -258,11 +258,11 @@ TEST_F(DetailPanes, severalFilesThatSayNothingShareZerosAndMarks)
     EXPECT_FALSE(checked("wildTrackCheck"));
 }
 
-TEST_F(DetailPanes, eachFlagHasItsOwnBox)
+TEST_F(PanesInWindow, eachFlagHasItsOwnBox)
 {
-    add("a.wav", { .circled = true });
-    add("b.wav", { .circled = true, .wildTrack = true });
-    add("c.wav", { .wildTrack = true });
+    add("a.wav", { .circled = "TRUE" });
+    add("b.wav", { .circled = "TRUE", .wildTrack = "TRUE" });
+    add("c.wav", { .wildTrack = "TRUE" });
     select({ 0 });
     EXPECT_TRUE(checked("circledCheck"));
     EXPECT_FALSE(checked("wildTrackCheck"));
@@ -274,7 +274,7 @@ TEST_F(DetailPanes, eachFlagHasItsOwnBox)
     EXPECT_TRUE(checked("wildTrackCheck"));
 }
 
-TEST_F(DetailPanes, threeScenesAreSharedOnlyIfAllAgree)
+TEST_F(PanesInWindow, threeScenesAreSharedOnlyIfAllAgree)
 {
     add("a.wav", { .scene = "12" });
     add("b.wav", { .scene = "12" });
@@ -286,7 +286,7 @@ TEST_F(DetailPanes, threeScenesAreSharedOnlyIfAllAgree)
     EXPECT_EQ(text("sceneEdit"), "12");
 }
 
-TEST_F(DetailPanes, sharedEmptyTextIsEmptyAndNotTheMark)
+TEST_F(PanesInWindow, sharedEmptyTextIsEmptyAndNotTheMark)
 {
     add("a.wav", {});
     add("b.wav", {});
@@ -295,7 +295,7 @@ TEST_F(DetailPanes, sharedEmptyTextIsEmptyAndNotTheMark)
     EXPECT_EQ(notes(), "");
 }
 
-TEST_F(DetailPanes, sharedValuesAreComparedWithRegardToCase)
+TEST_F(PanesInWindow, sharedValuesAreComparedWithRegardToCase)
 {
     add("a.wav", { .scene = "a" });
     add("b.wav", { .scene = "A" });
@@ -303,16 +303,16 @@ TEST_F(DetailPanes, sharedValuesAreComparedWithRegardToCase)
     EXPECT_EQ(text("sceneEdit"), kMark);
 }
 
-TEST_F(DetailPanes, oneCircledOfTwoIsUnchecked)
+TEST_F(PanesInWindow, oneCircledOfTwoIsUnchecked)
 {
-    add("a.wav", { .circled = true });
+    add("a.wav", { .circled = "TRUE" });
     add("b.wav", {});
     select({ 0, 1 });
     EXPECT_FALSE(checked("circledCheck"));
     EXPECT_FALSE(widget<QCheckBox>("circledCheck")->isTristate());
 }
 
-TEST_F(DetailPanes, timecodeRateFallsBackOnTheAudiosForOneFileOnly)
+TEST_F(PanesInWindow, timecodeRateFallsBackOnTheAudiosForOneFileOnly)
 {
     add("a.wav", { .frameRate = "25/1" });
     add("b.wav", { .frameRate = "25/1" });
@@ -322,7 +322,7 @@ TEST_F(DetailPanes, timecodeRateFallsBackOnTheAudiosForOneFileOnly)
     EXPECT_EQ(text("tcSampleRateLabel"), kMark);
 }
 
-TEST_F(DetailPanes, rowCountsOnceHoweverManyOfItsCellsAreSelected)
+TEST_F(PanesInWindow, rowCountsOnceHoweverManyOfItsCellsAreSelected)
 {
     add("a.wav", {});
     add("b.wav", {});
@@ -334,9 +334,9 @@ TEST_F(DetailPanes, rowCountsOnceHoweverManyOfItsCellsAreSelected)
     EXPECT_EQ(text("currentFileLabel"), "2 files selected");
 }
 
-TEST_F(DetailPanes, commonValueOfNothingIsTheMark)
+TEST_F(PanesInWindow, commonValueOfNothingIsTheMark)
 {
-    add("a.wav", { .scene = "1", .circled = true });
+    add("a.wav", { .scene = "1", .circled = "TRUE" });
     const auto scene = [](const BwfMetadata& record) { return QString::fromStdString(record.scene); };
     const auto circled = [](const BwfMetadata& record) { return record.circled; };
     EXPECT_EQ(window->getCommonValue("scene", scene).toStdString(), kMark);
@@ -346,7 +346,7 @@ TEST_F(DetailPanes, commonValueOfNothingIsTheMark)
     EXPECT_TRUE(window->getCommonBool("circled", circled));
 }
 
-TEST_F(DetailPanes, trackTableFitsIntoItsPane)
+TEST_F(PanesInWindow, trackTableFitsIntoItsPane)
 {
     add("a.wav", full());
     window->resize(1300, 800); // Fonts may be wider elsewhere.
@@ -359,7 +359,7 @@ TEST_F(DetailPanes, trackTableFitsIntoItsPane)
         EXPECT_GE(tracks()->columnWidth(column), 50) << column;
 }
 
-TEST_F(DetailPanes, rowsOfThePanesStandCloseTogether)
+TEST_F(PanesInWindow, rowsOfThePanesStandCloseTogether)
 {
     window->resize(1200, 1400);
     window->show();
@@ -374,7 +374,7 @@ TEST_F(DetailPanes, rowsOfThePanesStandCloseTogether)
     }
 }
 
-TEST_F(DetailPanes, trackTableIsEmptyForSeveralFiles)
+TEST_F(PanesInWindow, trackTableIsEmptyForSeveralFiles)
 {
     add("a.wav", full());
     add("b.wav", full());
@@ -384,7 +384,7 @@ TEST_F(DetailPanes, trackTableIsEmptyForSeveralFiles)
     EXPECT_EQ(tracks()->rowCount(), 0);
 }
 
-TEST_F(DetailPanes, interleaveCountsTheTracksAndChannelIsWhatTheFileSays)
+TEST_F(PanesInWindow, interleaveCountsTheTracksAndChannelIsWhatTheFileSays)
 {
     WavBuilder()
         .fmt(48000, 2, 24)
@@ -406,7 +406,7 @@ TEST_F(DetailPanes, interleaveCountsTheTracksAndChannelIsWhatTheFileSays)
     }
 }
 
-TEST_F(DetailPanes, selectingAFileWithTheSameTracksTouchesNothing)
+TEST_F(PanesInWindow, selectingAFileWithTheSameTracksTouchesNothing)
 {
     Recording recording;
     recording.trackNames = { "Boom", "Lav" };
@@ -424,7 +424,7 @@ TEST_F(DetailPanes, selectingAFileWithTheSameTracksTouchesNothing)
     EXPECT_FALSE(enabled("saveButton"));
 }
 
-TEST_F(DetailPanes, trackTableShowsTheTracksOfOneFile)
+TEST_F(PanesInWindow, trackTableShowsTheTracksOfOneFile)
 {
     add("a.wav", full());
     select({ 0 });
@@ -437,7 +437,7 @@ TEST_F(DetailPanes, trackTableShowsTheTracksOfOneFile)
     EXPECT_EQ(tracks()->rowCount(), 0);
 }
 
-TEST_F(DetailPanes, doubleClickEditsNameAndFunctionOfATrackOnly)
+TEST_F(PanesInWindow, doubleClickEditsNameAndFunctionOfATrackOnly)
 {
     add("a.wav", full());
     window->show();
@@ -458,7 +458,7 @@ TEST_F(DetailPanes, doubleClickEditsNameAndFunctionOfATrackOnly)
     }
 }
 
-TEST_F(DetailPanes, removeIsOfferedWithASelectionOnly)
+TEST_F(PanesInWindow, removeIsOfferedWithASelectionOnly)
 {
     add("a.wav", {});
     EXPECT_FALSE(enabled("removeFileButton"));
@@ -468,7 +468,7 @@ TEST_F(DetailPanes, removeIsOfferedWithASelectionOnly)
     EXPECT_FALSE(enabled("removeFileButton"));
 }
 
-TEST_F(DetailPanes, selectingAFileWithAnotherSceneOffersSavingWithoutTyping)
+TEST_F(PanesInWindow, selectingAFileWithAnotherSceneOffersSavingWithoutTyping)
 {
     add("a.wav", { .scene = "1" });
     add("b.wav", { .scene = "2" });
@@ -477,7 +477,7 @@ TEST_F(DetailPanes, selectingAFileWithAnotherSceneOffersSavingWithoutTyping)
     EXPECT_TRUE(enabled("saveButton"));
 }
 
-TEST_F(DetailPanes, selectingAFileThatChangesNothingOffersNoSaving)
+TEST_F(PanesInWindow, selectingAFileThatChangesNothingOffersNoSaving)
 {
     writeBytes(folder.file("a.wav"), "");
     window->addFiles({ path("a.wav") });
@@ -485,7 +485,7 @@ TEST_F(DetailPanes, selectingAFileThatChangesNothingOffersNoSaving)
     EXPECT_FALSE(enabled("saveButton"));
 }
 
-TEST_F(DetailPanes, selectionChangeLeavesEditsUnsavedAndSavingOffered)
+TEST_F(PanesInWindow, selectionChangeLeavesEditsUnsavedAndSavingOffered)
 {
     writeBytes(folder.file("a.wav"), "");
     writeBytes(folder.file("b.wav"), "");
@@ -502,7 +502,7 @@ TEST_F(DetailPanes, selectionChangeLeavesEditsUnsavedAndSavingOffered)
     EXPECT_TRUE(enabled("saveButton"));
 }
 
-TEST_F(DetailPanes, everyEditorOffersSaving)
+TEST_F(PanesInWindow, everyEditorOffersSaving)
 {
     writeBytes(folder.file("a.wav"), "");
     const auto fresh = [this] {
@@ -526,7 +526,7 @@ TEST_F(DetailPanes, everyEditorOffersSaving)
     EXPECT_TRUE(enabled("saveButton"));
 }
 
-TEST_F(DetailPanes, notesTakeTextWithoutItsLooks)
+TEST_F(PanesInWindow, notesTakeTextWithoutItsLooks)
 {
     auto* copied = new QMimeData;
     copied->setHtml(QStringLiteral("<b>plane</b>"));
@@ -538,7 +538,7 @@ TEST_F(DetailPanes, notesTakeTextWithoutItsLooks)
     EXPECT_LT(edit->textCursor().charFormat().fontWeight(), QFont::Bold);
 }
 
-TEST_F(DetailPanes, editedTrackNameOffersSaving)
+TEST_F(PanesInWindow, editedTrackNameOffersSaving)
 {
     writeBytes(folder.file("a.wav"), "");
     window->addFiles({ path("a.wav") });
@@ -549,13 +549,13 @@ TEST_F(DetailPanes, editedTrackNameOffersSaving)
     EXPECT_TRUE(enabled("saveButton"));
 }
 
-TEST_F(DetailPanes, typingWithoutASelectionOffersNothing)
+TEST_F(PanesInWindow, typingWithoutASelectionOffersNothing)
 {
     QTest::keyClicks(widget<QLineEdit>("sceneEdit"), "x");
     EXPECT_FALSE(enabled("saveButton"));
 }
 
-TEST_F(DetailPanes, tabWalksThroughTheControlsInReadingOrder)
+TEST_F(PanesInWindow, tabWalksThroughTheControlsInReadingOrder)
 {
     add("a.wav", full());
     window->show();
@@ -576,7 +576,7 @@ TEST_F(DetailPanes, tabWalksThroughTheControlsInReadingOrder)
             "timecodeButton", "trackTable", "saveButton" }));
 }
 
-TEST_F(DetailPanes, everyFocusableControlHasAnAccessibleName)
+TEST_F(PanesInWindow, everyFocusableControlHasAnAccessibleName)
 {
     add("a.wav", full());
     for (QWidget* each : window->findChildren<QWidget*>()) {
