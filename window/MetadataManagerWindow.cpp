@@ -1,9 +1,11 @@
 #include "window/MetadataManagerWindow.h"
 
+#include "app/look/Named.h"
 #include "app/look/Theme.h"
+#include "window/CommonValue.h"
+#include "window/DetailPanes.h"
 #include "window/FileTable.h"
 #include "window/MetadataTexts.h"
-#include "window/WidgetHelpers.h"
 
 #include <QFileInfo>
 #include <QGroupBox>
@@ -45,7 +47,7 @@ void MetadataManagerWindow::setupUI()
 {
     buildFrame();
     filesSplitter->addWidget(buildFilesPane());
-    filesSplitter->addWidget(buildDetailPanes());
+    filesSplitter->addWidget(detailSplitter);
     filesSplitter->setStretchFactor(0, 1);
     filesSplitter->setStretchFactor(1, 2);
     setTabOrders();
@@ -65,9 +67,11 @@ void MetadataManagerWindow::buildFrame()
     filesSplitter = named("filesSplitter", new QSplitter(Qt::Vertical, centralArea));
     keepSplitterOpen(filesSplitter);
     filesSplitter->setStyleSheet(Theme::splitterHandleStyleSheet());
-    detailSplitter = named("detailSplitter", new QSplitter(Qt::Horizontal, filesSplitter));
+    detailSplitter = named("detailSplitter", new DetailPanes(filesSplitter));
     keepSplitterOpen(detailSplitter);
     detailSplitter->setStyleSheet(filesSplitter->styleSheet());
+    connect(detailSplitter, &DetailPanes::touched, this, &MetadataManagerWindow::onMetadataChanged);
+    connect(detailSplitter, &DetailPanes::timecodeClicked, this, &MetadataManagerWindow::onTimecodeClicked);
 
     saveButton = named("saveButton", new QPushButton(QStringLiteral("Save Changes to Selected Files"), centralArea));
     saveButton->setEnabled(false);
@@ -114,6 +118,15 @@ QWidget* MetadataManagerWindow::buildFilesPane()
     return pane;
 }
 
+void MetadataManagerWindow::setTabOrders()
+{
+    const QList<QWidget*> order
+        = QList<QWidget*>{ fileTable, addButton, removeFileButton, clearButton, soundReportButton }
+        + detailSplitter->tabOrder() + QList<QWidget*>{ saveButton };
+    for (qsizetype i = 1; i < order.size(); ++i)
+        setTabOrder(order.at(i - 1), order.at(i));
+}
+
 void MetadataManagerWindow::openFiles(const QList<QString>& paths)
 {
     if (paths.isEmpty())
@@ -135,6 +148,41 @@ void MetadataManagerWindow::addFiles(const QList<QString>& paths)
     }
     fileTable->appendRows(files);
     soundReportButton->setEnabled(!files.isEmpty());
+}
+
+void MetadataManagerWindow::onFileSelectionChanged()
+{
+    removeFileButton->setEnabled(fileTable->hasSelection());
+    updateMetadataDisplay();
+}
+
+void MetadataManagerWindow::onMetadataChanged()
+{
+    dirty = true;
+    saveButton->setEnabled(fileTable->hasSelection());
+}
+
+void MetadataManagerWindow::updateMetadataDisplay()
+{
+    const QList<int> rows = fileTable->selectedRows();
+    if (rows.size() == 1 && !files.contains(rows.first())) {
+        detailSplitter->dropTypedStart();
+        return;
+    }
+    detailSplitter->showRecords(files.recordsOf(rows));
+    saveButton->setEnabled(dirty && !rows.isEmpty());
+}
+
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the signature is fixed.
+QString MetadataManagerWindow::getCommonValue(const QString&, std::function<QString(const BwfMetadata&)> getter)
+{
+    return commonValue(files.recordsOf(fileTable->selectedRows()), std::cref(getter)).value_or(noValueMark());
+}
+
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the signature is fixed.
+bool MetadataManagerWindow::getCommonBool(const QString&, std::function<bool(const BwfMetadata&)> getter)
+{
+    return commonValue(files.recordsOf(fileTable->selectedRows()), std::cref(getter)).value_or(false);
 }
 
 QString MetadataManagerWindow::formatFileSize(unsigned long long bytes)

@@ -2,7 +2,6 @@
 
 #include "window/FileList.h"
 
-#include <QHash>
 #include <QList>
 #include <QMainWindow>
 #include <QString>
@@ -10,17 +9,11 @@
 #include <cstdint>
 #include <functional>
 
+class DetailPanes;
 class FilePlaybackMixerDialog;
 class FileTable;
-class QCheckBox;
-class QFormLayout;
-class QGroupBox;
-class QLabel;
-class QLineEdit;
 class QPushButton;
 class QSplitter;
-class QTableWidget;
-class QTextEdit;
 class QVBoxLayout;
 
 /// The main window: a table of files above, three panes with the metadata of the selected ones below.
@@ -29,6 +22,10 @@ class QVBoxLayout;
 ///    New rows go to the end and the table is never sorted, so the order is that of adding.
 /// 2. Signals are not blocked while the panes are filled: `dirty` means that the editors were touched by whatever
 ///    hand, and saving is offered as soon as they differ from what they showed before.
+///
+/// What moves together lives together: `records` and `filePaths` in FileList; the columns, the play buttons and their
+/// icon in FileTable; the panes' groups, labels and editors, `trackTable` and `pendingTimeReference` in DetailPanes,
+/// which is `detailSplitter` itself. The window wires them: selected records go down to the panes, wishes come up.
 ///
 /// Thread: main only. Reading and writing files blocks the window.
 class MetadataManagerWindow : public QMainWindow {
@@ -116,32 +113,12 @@ protected:
 private:
     void buildFrame();
     QWidget* buildFilesPane();
-    QWidget* buildDetailPanes();
-    void buildGeneralPane();
-    void buildRecordingPane();
-    void buildTrackPane();
     void setTabOrders();
     /// Saves the sizes at every move of a handle of `splitter`, which has all its panes by now.
     void keepSizesOf(QSplitter* splitter);
 
-    void showNoRow();
-    void showOneRow(const BwfMetadata& record);
-    void showSeveralRows(qsizetype count);
-    void showTracks(const std::vector<BwfTrack>& tracks);
-
-    /// Fills an editor and keeps what it then shows.
-    void fillText(QLineEdit* edit, const QString& text);
-    void fillText(QTextEdit* edit, const QString& text);
-    /// The editor shows what it was filled with, be it that it was not touched or that all was taken back.
-    bool isAsFilled(const QLineEdit* edit) const;
-    bool isAsFilled(const QTextEdit* edit) const;
-
-    /// What the editors want written into the file of `record`, which is the one that is selected or one of several.
-    /// Where an editor or a cell is as it was filled, these are the record's own bytes, elsewhere the text as UTF-8.
-    /// A text that is left empty keeps what the file has; the two flags know no such state and always go along.
-    BwfMetadata updateRecord(const BwfMetadata& record, bool forOneFile) const;
-    /// Writes `update` into the row's file, with a warning if that fails. The row is in range.
-    void writeRow(int row, const BwfMetadata& update);
+    /// Writes what the panes want into the row's file, with a warning if that fails. The row is in range.
+    void writeRow(int row);
     /// Replaces the row's record by what its file says now, and refreshes the cells that can have changed. The row is
     /// in range. Throws std::filesystem::filesystem_error if the file is gone.
     void readBackRow(int row);
@@ -157,42 +134,15 @@ private:
     QWidget* centralArea = nullptr;
     QVBoxLayout* mainLayout = nullptr; ///< Layout of `centralArea`.
     QSplitter* filesSplitter = nullptr; ///< Outer one, vertical: the file list above the panes.
-    QSplitter* detailSplitter = nullptr; ///< Inner one, horizontal: the three panes.
+    DetailPanes* detailSplitter = nullptr; ///< Inner one, horizontal: the three panes.
     FileTable* fileTable = nullptr;
     QPushButton* addButton = nullptr;
     QPushButton* removeFileButton = nullptr;
     QPushButton* clearButton = nullptr;
     QPushButton* soundReportButton = nullptr;
-    QGroupBox* generalGroup = nullptr;
-    QFormLayout* generalForm = nullptr;
-    QLabel* currentFileLabel = nullptr;
-    QLabel* channelsLabel = nullptr;
-    QLineEdit* sceneEdit = nullptr;
-    QLineEdit* takeEdit = nullptr;
-    QCheckBox* circledCheck = nullptr;
-    QCheckBox* wildTrackCheck = nullptr;
-    QLineEdit* projectEdit = nullptr;
-    QLineEdit* tapeIdEdit = nullptr;
-    QTextEdit* notesEdit = nullptr;
-    QGroupBox* recordingGroup = nullptr;
-    QFormLayout* recordingForm = nullptr;
-    QLabel* sampleRateLabel = nullptr;
-    QLabel* tcSampleRateLabel = nullptr;
-    QLabel* frameRateLabel = nullptr;
-    QPushButton* timecodeButton = nullptr; ///< Shows the start timecode; a click edits it.
-    QLabel* lengthLabel = nullptr;
-    QLabel* samplesSinceMidnightLabel = nullptr;
-    QLabel* userBitsLabel = nullptr;
-    QLabel* bitDepthLabel = nullptr;
-    uint64_t pendingTimeReference = 0; ///< Samples since midnight of a start time typed but not saved; 0 for none.
-    QGroupBox* trackGroup = nullptr;
-    QVBoxLayout* trackLayout = nullptr;
-    QTableWidget* trackTable = nullptr;
     QPushButton* saveButton = nullptr;
     FileList files; ///< One per row.
     bool dirty = false; ///< The editors were touched since the last save, removal or clearing.
     QString lastDirectory; ///< Folder remembered for the open panel in this run; empty at first.
     FilePlaybackMixerDialog* playbackOverlay = nullptr; ///< Open mixer. Not owned; cleared when it is destroyed.
-
-    QHash<const QWidget*, QString> filledTexts; ///< By text editor: what it showed when it had just been filled.
 };

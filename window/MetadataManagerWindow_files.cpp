@@ -4,13 +4,13 @@
 #include "app/files/NativeFilePanel.h"
 #include "app/files/WavSuffix.h"
 #include "app/settings/ConfigManager.h"
+#include "window/DetailPanes.h"
 #include "window/FileTable.h"
 
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileInfo>
-#include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
@@ -155,7 +155,7 @@ void MetadataManagerWindow::onRemoveFile()
     fileTable->takeOutRows(rows);
     // Row by row the last but one removal would have left a single file in the panes, whose take can be edited.
     if (rows.size() > 1)
-        takeEdit->setEnabled(true);
+        detailSplitter->offerTake();
     onFileSelectionChanged();
     soundReportButton->setEnabled(!files.isEmpty());
     dirty = false;

@@ -1,7 +1,7 @@
 #include "window/PlayButton.h"
 
+#include "app/look/Named.h"
 #include "app/look/Theme.h"
-#include "window/WidgetHelpers.h"
 
 #include <QPainter>
 #include <QPixmap>
