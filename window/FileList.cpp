@@ -64,7 +64,7 @@ void FileList::readAgain(int row)
 std::vector<const BwfMetadata*> FileList::recordsOf(const QList<int>& rows) const
 {
     std::vector<const BwfMetadata*> found;
-    found.reserve(static_cast<std::size_t>(rows.size()));
+    found.reserve(static_cast<size_t>(rows.size()));
     for (const int row : rows) {
         if (contains(row))
             found.push_back(&records.at(row));

@@ -90,6 +90,7 @@ public:
     /// such row.
     QList<QString> trackNamesForRow(int row) const;
 
+    // NOLINTNEXTLINE(readability-redundant-access-specifiers): begins the slots.
 public slots:
     /// Opens the sound report on the listed files, or in folder mode when the list is empty.
     void onSoundReport();
