@@ -11,7 +11,7 @@ std::optional<std::string> commonScene(const std::vector<std::string>& scenes)
 {
     std::vector<BwfMetadata> records(scenes.size());
     std::vector<const BwfMetadata*> shown;
-    for (std::size_t i = 0; i < scenes.size(); ++i) {
+    for (size_t i = 0; i < scenes.size(); ++i) {
         records[i].scene = scenes[i];
         shown.push_back(&records[i]);
     }

@@ -110,7 +110,7 @@ TEST_F(DetailPanesTest, oneRecordIsShownInFull)
     show({ full() });
     const std::array wanted{ "take1.wav", "2", "48000 Hz", "48000 Hz", "25 fps", "00:01:01", "172800000", "00112233",
         "24 bit" };
-    for (std::size_t i = 0; i < kLabels.size(); ++i)
+    for (size_t i = 0; i < kLabels.size(); ++i)
         EXPECT_EQ(label(kLabels[i]), wanted[i]) << kLabels[i];
     EXPECT_EQ(panes.startText(), "01:00:00:00");
     EXPECT_EQ(line("sceneEdit").text(), "12A");

@@ -165,7 +165,7 @@ protected:
     void changeTheDisk()
     {
         const int file = upTo(kFiles - 1);
-        std::string& scene = onDisk[static_cast<std::size_t>(file)];
+        std::string& scene = onDisk[static_cast<size_t>(file)];
         if (upTo(2) == 0) {
             removeFromDisk(nameOf(file));
             scene.clear();
@@ -179,7 +179,7 @@ protected:
     {
         const int file = upTo(kFiles - 1);
         const QString wanted = path(nameOf(file));
-        const std::string& scene = onDisk[static_cast<std::size_t>(file)];
+        const std::string& scene = onDisk[static_cast<size_t>(file)];
         for (const auto& [each, unused] : expected) {
             if (each == wanted) {
                 EXPECT_FALSE(list.add(wanted));
@@ -199,11 +199,11 @@ protected:
         if (expected.empty())
             return;
         const int row = upTo(static_cast<int>(expected.size()) - 1);
-        auto& [wanted, known] = expected[static_cast<std::size_t>(row)];
+        auto& [wanted, known] = expected[static_cast<size_t>(row)];
         for (int file = 0; file < kFiles; ++file) {
             if (path(nameOf(file)) != wanted)
                 continue;
-            const std::string& scene = onDisk[static_cast<std::size_t>(file)];
+            const std::string& scene = onDisk[static_cast<size_t>(file)];
             if (scene.empty()) {
                 EXPECT_THROW(list.readAgain(row), std::filesystem::filesystem_error);
             } else {
@@ -248,10 +248,10 @@ protected:
 
     void compare() const
     {
-        ASSERT_EQ(static_cast<std::size_t>(list.size()), expected.size());
+        ASSERT_EQ(static_cast<size_t>(list.size()), expected.size());
         ASSERT_EQ(list.paths().size(), list.size());
         for (int row = 0; row < list.size(); ++row) {
-            const auto& [wanted, scene] = expected[static_cast<std::size_t>(row)];
+            const auto& [wanted, scene] = expected[static_cast<size_t>(row)];
             ASSERT_EQ(list.path(row), wanted);
             ASSERT_EQ(list.paths().at(row), wanted);
             ASSERT_EQ(list.record(row).scene, scene);
@@ -266,7 +266,7 @@ protected:
 
 TEST_F(RandomFileListTest, tenThousandStepsKeepPathsAndRecordsInStep)
 {
-    std::size_t longest = 0;
+    size_t longest = 0;
     for (int i = 0; i < 10000 && !HasFailure(); ++i) {
         SCOPED_TRACE(i);
         step();

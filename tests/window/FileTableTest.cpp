@@ -327,7 +327,7 @@ TEST_F(FileTableTest, refreshedRowShowsWhatASaveCanChangeAndKeepsTheRest)
     table->refreshRow(1, record, QFileInfo(path("other.wav")));
     for (const FileColumn kept : { FileColumn::Play, FileColumn::FileName, FileColumn::FileSize, FileColumn::Channels,
              FileColumn::Length, FileColumn::Date, FileColumn::SampleRate })
-        EXPECT_EQ(cell(1, kept), before[static_cast<std::size_t>(indexOf(kept))]) << indexOf(kept);
+        EXPECT_EQ(cell(1, kept), before[static_cast<size_t>(indexOf(kept))]) << indexOf(kept);
     EXPECT_EQ(cell(1, FileColumn::TapeId), "R01");
     EXPECT_EQ(cell(1, FileColumn::Scene), "12A");
     EXPECT_EQ(cell(1, FileColumn::Take), "3");
