@@ -1,6 +1,7 @@
 #include "mixer/FilePlaybackMixerDialog.h"
 
 #include "app/look/ElidedLabel.h"
+#include "app/look/Named.h"
 #include "app/look/Theme.h"
 #include "audio/TagwellAudioPlayer.h"
 #include "core/BwfMetadata.h"
@@ -8,6 +9,7 @@
 #include "mixer/FaderSlider.h"
 #include "mixer/MeterWidget.h"
 #include "mixer/MixerAccessibility.h"
+#include "mixer/MixerColours.h"
 #include "mixer/TransportIcon.h"
 #include "mixer/WaveformWidget.h"
 
@@ -31,8 +33,6 @@ constexpr int kFormatFloat = 3;
 // Far more than any file that plays has. A broken header may claim 65535, whose widgets would fill the memory.
 constexpr qsizetype kMostSilentStrips = 512;
 
-constexpr char kTextColour[] = "#f0f0f0";
-constexpr char kDimColour[] = "#999999";
 constexpr char kTimecodeColour[] = "#B8E0FF";
 
 constexpr char kTitleStyle[] = "font-size: 15px; font-weight: 700; color: %1;";
@@ -57,8 +57,7 @@ constexpr char kNoFrameRate[] = "--";
 
 QLabel* makeLabel(const char* name, const QString& text, QWidget* parent)
 {
-    auto* label = new QLabel(parent);
-    label->setObjectName(QLatin1String(name));
+    auto* label = named(name, new QLabel(parent));
     // Names come out of files; one that looks like markup is still a name.
     label->setTextFormat(Qt::PlainText);
     label->setText(text);
@@ -67,8 +66,7 @@ QLabel* makeLabel(const char* name, const QString& text, QWidget* parent)
 
 QPushButton* makeTransportButton(const char* name, QStyle::StandardPixmap icon, const QString& text, QWidget* parent)
 {
-    auto* button = new QPushButton(transportIcon(*parent, icon), text, parent);
-    button->setObjectName(QLatin1String(name));
+    auto* button = named(name, new QPushButton(transportIcon(*parent, icon), text, parent));
     button->setEnabled(false);
     return button;
 }
@@ -131,13 +129,12 @@ void FilePlaybackMixerDialog::setupUi(const QList<QString>& trackNames)
 
 void FilePlaybackMixerDialog::addHeader(QVBoxLayout* rows)
 {
-    titleLabel = new ElidedLabel(QFileInfo(filePath).fileName(), 1, this);
-    titleLabel->setObjectName(QStringLiteral("titleLabel"));
-    titleLabel->setStyleSheet(QString::fromLatin1(kTitleStyle).arg(QLatin1String(kTextColour)));
+    titleLabel = named("titleLabel", new ElidedLabel(QFileInfo(filePath).fileName(), 1, this));
+    titleLabel->setStyleSheet(QString::fromLatin1(kTitleStyle).arg(QLatin1String(Theme::kTextPrimary)));
     rows->addWidget(titleLabel);
 
     infoLabel = makeLabel("infoLabel", infoText(), this);
-    infoLabel->setStyleSheet(QString::fromLatin1(kInfoStyle).arg(QLatin1String(kDimColour)));
+    infoLabel->setStyleSheet(QString::fromLatin1(kInfoStyle).arg(QLatin1String(kDimTextColour)));
     rows->addWidget(infoLabel);
 }
 
@@ -182,8 +179,7 @@ void FilePlaybackMixerDialog::addTimecodeRow(QVBoxLayout* rows)
 
 void FilePlaybackMixerDialog::addWaveform(QVBoxLayout* rows)
 {
-    waveform = new WaveformWidget(this);
-    waveform->setObjectName(QStringLiteral("waveform"));
+    waveform = named("waveform", new WaveformWidget(this));
     waveform->setAccessibleName(QStringLiteral("Waveform"));
     waveform->setMinimumHeight(90);
     waveform->setMaximumHeight(130);
@@ -196,8 +192,7 @@ void FilePlaybackMixerDialog::addWaveform(QVBoxLayout* rows)
 
 void FilePlaybackMixerDialog::addStrips(QVBoxLayout* rows, const QList<QString>& trackNames)
 {
-    stripScroll = new QScrollArea(this);
-    stripScroll->setObjectName(QStringLiteral("stripScroll"));
+    stripScroll = named("stripScroll", new QScrollArea(this));
     stripScroll->setAccessibleName(QStringLiteral("Tracks"));
     // It has nothing to press, and scrolls to whatever control inside gets the keyboard.
     stripScroll->setFocusPolicy(Qt::NoFocus);
@@ -252,8 +247,7 @@ void FilePlaybackMixerDialog::warnUnplayable()
 
 void FilePlaybackMixerDialog::startTimer()
 {
-    uiTimer = new QTimer(this);
-    uiTimer->setObjectName(QStringLiteral("uiTimer"));
+    uiTimer = named("uiTimer", new QTimer(this));
     uiTimer->setInterval(kTickMilliseconds);
     connect(uiTimer, &QTimer::timeout, this, &FilePlaybackMixerDialog::onUiTick);
     uiTimer->start();

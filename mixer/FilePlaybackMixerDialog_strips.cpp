@@ -1,11 +1,14 @@
 #include "mixer/FilePlaybackMixerDialog.h"
 
 #include "app/look/ElidedLabel.h"
+#include "app/look/Named.h"
 #include "app/look/PlainToolTip.h"
+#include "app/look/Theme.h"
 #include "audio/TagwellAudioPlayer.h"
 #include "mixer/FaderScale.h"
 #include "mixer/FaderSlider.h"
 #include "mixer/MeterWidget.h"
+#include "mixer/MixerColours.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -22,8 +25,6 @@ constexpr int kCapWidth = 36;
 constexpr int kCapHeight = 62;
 constexpr int kNameFontPixels = 11;
 constexpr int kDbFontPixels = 10;
-constexpr char kNameColour[] = "#f0f0f0";
-constexpr char kDbColour[] = "#999999";
 constexpr char kGrooveBorder[] = "#444";
 
 constexpr char kNameStyle[] = "font-size: %1px; font-weight: bold; color: %2;";
@@ -65,18 +66,16 @@ QString labelStyle(const char* style, int pixels, const char* colour)
 QLabel* makeNameLabel(int track, const QString& name, QWidget* strip)
 {
     // At most two lines, so that no name pushes the strip's controls out of sight.
-    auto* label = new ElidedLabel(name, 2, strip);
+    auto* label = named(numbered("nameLabel", track), new ElidedLabel(name, 2, strip));
     label->setAlignment(Qt::AlignCenter);
-    label->setObjectName(numbered("nameLabel", track));
     label->setToolTip(plainToolTip(name));
-    label->setStyleSheet(labelStyle(kNameStyle, kNameFontPixels, kNameColour));
+    label->setStyleSheet(labelStyle(kNameStyle, kNameFontPixels, Theme::kTextPrimary));
     return label;
 }
 
 MeterWidget* makeMeter(int track, const QString& name, QWidget* strip)
 {
-    auto* meter = new MeterWidget(strip);
-    meter->setObjectName(numbered("meter", track));
+    auto* meter = named(numbered("meter", track), new MeterWidget(strip));
     meter->setAccessibleName(QStringLiteral("Meter %1").arg(name));
     meter->setFixedHeight(12);
     // A strip is narrower than a meter that stands alone, and would cut off its clip indicator.
@@ -87,8 +86,7 @@ MeterWidget* makeMeter(int track, const QString& name, QWidget* strip)
 
 FaderSlider* makeFader(int track, const QString& name, QWidget* strip)
 {
-    auto* fader = new FaderSlider(Qt::Vertical, strip);
-    fader->setObjectName(numbered("fader", track));
+    auto* fader = named(numbered("fader", track), new FaderSlider(Qt::Vertical, strip));
     fader->setAccessibleName(QStringLiteral("Fader %1").arg(name));
     fader->setRange(FaderScale::kLowest, FaderScale::kHighest);
     fader->setValue(0);
@@ -103,17 +101,15 @@ FaderSlider* makeFader(int track, const QString& name, QWidget* strip)
 
 QLabel* makeDbLabel(int track, QWidget* strip)
 {
-    auto* label = new QLabel(QStringLiteral("0.0 dB"), strip);
-    label->setObjectName(numbered("dbLabel", track));
+    auto* label = named(numbered("dbLabel", track), new QLabel(QStringLiteral("0.0 dB"), strip));
     label->setAlignment(Qt::AlignCenter);
-    label->setStyleSheet(labelStyle(kDbStyle, kDbFontPixels, kDbColour));
+    label->setStyleSheet(labelStyle(kDbStyle, kDbFontPixels, kDimTextColour));
     return label;
 }
 
 QPushButton* makeToggle(const QString& letter, const QString& objectName, const QString& spokenName, QWidget* strip)
 {
-    auto* button = new QPushButton(letter, strip);
-    button->setObjectName(objectName);
+    auto* button = named(objectName, new QPushButton(letter, strip));
     button->setAccessibleName(spokenName);
     button->setCheckable(true);
     const auto sayState = [button](bool on) { button->setAccessibleDescription(QLatin1String(on ? "On" : "Off")); };
@@ -130,8 +126,7 @@ FilePlaybackMixerDialog::ChannelStrip FilePlaybackMixerDialog::makeStrip(
     int track, const QString& name, QWidget* parent)
 {
     ChannelStrip strip;
-    strip.stripWidget = new QWidget(parent);
-    strip.stripWidget->setObjectName(numbered("strip", track));
+    strip.stripWidget = named(numbered("strip", track), new QWidget(parent));
     strip.stripWidget->setFixedWidth(kStripWidth);
     auto* column = new QVBoxLayout(strip.stripWidget);
     column->setContentsMargins(kStripMargin, kStripMargin, kStripMargin, kStripMargin);

@@ -1,6 +1,7 @@
 #include "report/TakeDetailsPane.h"
 
 #include "app/look/ElidedLabel.h"
+#include "app/look/Named.h"
 #include "report/ReportTexts.h"
 #include "report/TakeInfo.h"
 
@@ -65,13 +66,11 @@ constexpr std::array<Row, 12> kRows{ {
 
 TakeDetailsPane::TakeDetailsPane(QWidget* parent) : QGroupBox(QStringLiteral("Take Details"), parent)
 {
-    setObjectName("detailsGroup");
+    named("detailsGroup", this);
     setMaximumWidth(kMaximumWidth);
-    auto* detailsLayout = new QFormLayout(this);
-    detailsLayout->setObjectName("detailsLayout");
+    auto* detailsLayout = named("detailsLayout", new QFormLayout(this));
     for (const Row& row : kRows) {
-        auto* label = new ElidedLabel(QLatin1String(kNoValue), row.wraps ? kMostLines : 1);
-        label->setObjectName(row.name);
+        auto* label = named(row.name, new ElidedLabel(QLatin1String(kNoValue), row.wraps ? kMostLines : 1));
         detailsLayout->addRow(QLatin1String(row.caption), label);
         valueLabels.push_back(label);
     }
