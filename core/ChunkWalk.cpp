@@ -1,5 +1,8 @@
 #include "core/ChunkWalk.h"
 
+#include "core/LittleEndian.h"
+#include "core/MetadataStream.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -10,14 +13,7 @@ constexpr std::size_t kFirstBlockBytes = 8192;
 // Behind a jump mostly one header is wanted.
 constexpr std::size_t kSmallBlockBytes = 512;
 // Where headers follow each other closely, blocks double up to this; it still fits into the processor's cache.
-constexpr std::size_t kLargeBlockBytes = 256 * 1024;
-
-uint64_t sizeOf(std::istream& stream)
-{
-    stream.seekg(0, std::ios::end);
-    const std::streamoff end = stream.tellg();
-    return end < 0 ? 0 : static_cast<uint64_t>(end);
-}
+constexpr std::size_t kLargeBlockBytes = std::size_t{ 256 } * 1024;
 
 uint64_t wordAt(const char* bytes)
 {
@@ -38,7 +34,7 @@ bool isZero(const char* bytes, std::size_t words)
 
 ChunkWalk::ChunkWalk(uint64_t fileBytes) : fileEnd(fileBytes) { }
 
-ChunkWalk::ChunkWalk(std::istream& stream) : fileEnd(sizeOf(stream)) { }
+ChunkWalk::ChunkWalk(std::istream& stream) : fileEnd(streamBytes(stream)) { }
 
 bool ChunkWalk::next(std::istream& stream, Header& header)
 {
@@ -48,11 +44,20 @@ bool ChunkWalk::next(std::istream& stream, Header& header)
     std::memcpy(header.id, bytes, sizeof header.id);
     header.size = littleEndian32(bytes + sizeof header.id);
     header.offset = position;
-    const uint32_t step = header.size + header.size % 2; // In 32 bits: the size 0xFFFFFFFF steps by 0.
-    position += kHeaderBytes + uint64_t{ step };
+    position = header.payload() + header.step();
     if (isZero(bytes, 1))
         skipEmptyChunks();
     return true;
+}
+
+std::optional<ChunkWalk::Header> ChunkWalk::find(std::istream& stream, std::string_view id)
+{
+    Header header;
+    while (next(stream, header)) {
+        if (header.is(id))
+            return header;
+    }
+    return std::nullopt;
 }
 
 // Digital silence reads as one empty chunk without an id after the other. Whoever did not want the first of them wants
@@ -136,21 +141,4 @@ void ChunkWalk::Block::reserve(std::size_t count)
         return;
     bytes = std::make_unique_for_overwrite<char[]>(count);
     capacity = count;
-}
-
-uint16_t littleEndian16(const char* bytes)
-{
-    const auto low = static_cast<unsigned char>(bytes[0]);
-    const auto high = static_cast<unsigned char>(bytes[1]);
-    return static_cast<uint16_t>(low | (high << 8));
-}
-
-uint32_t littleEndian32(const char* bytes)
-{
-    return littleEndian16(bytes) | static_cast<uint32_t>(littleEndian16(bytes + 2)) << 16;
-}
-
-uint64_t littleEndian64(const char* bytes)
-{
-    return littleEndian32(bytes) | static_cast<uint64_t>(littleEndian32(bytes + 4)) << 32;
 }
