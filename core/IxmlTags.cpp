@@ -1,5 +1,6 @@
 #include "core/IxmlTags.h"
 
+#include "core/IxmlNames.h"
 #include "core/TextTrim.h"
 
 #include <algorithm>
@@ -17,20 +18,20 @@ constexpr std::array<std::string_view, 52> kNames{ "TIMESTAMP_SAMPLE_RATE", "tim
     "BWF_ORIGINATION_TIME", "bwf_origination_time", //
     "BWF_TIME_REFERENCE_LOW", "bwf_time_reference_low", //
     "BWF_TIME_REFERENCE_HIGH", "bwf_time_reference_high", //
-    "SCENE", "scene", //
-    "PROJECT", "project", //
-    "TAPE", "tape", //
-    "TAKE", "take", //
-    "NOTE", "note", //
-    "CIRCLED", "circled", //
-    "WILD_TRACK", "wild_track", //
-    "CHANNEL_INDEX", "channel_index", //
-    "NAME", "name", //
-    "FUNCTION", "function", //
+    IxmlNames::kScene, "scene", //
+    IxmlNames::kProject, "project", //
+    IxmlNames::kTape, "tape", //
+    IxmlNames::kTake, "take", //
+    IxmlNames::kNote, "note", //
+    IxmlNames::kCircled, "circled", //
+    IxmlNames::kWildTrack, "wild_track", //
+    IxmlNames::kChannelIndex, "channel_index", //
+    IxmlNames::kName, "name", //
+    IxmlNames::kFunction, "function", //
     "SPEED", "Speed", "/SPEED", "/Speed", //
     "BEXT", "Bext", "/BEXT", "/Bext", //
     "TRACK_LIST", "TrackList", "/TRACK_LIST", "/TrackList", //
-    "TRACK", "/TRACK" };
+    IxmlNames::kTrack, "/TRACK" };
 
 constexpr std::size_t kMaxNameLength = 35;
 
