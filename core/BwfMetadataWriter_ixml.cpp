@@ -1,6 +1,7 @@
 #include "core/BwfMetadataWriter.h"
 
 #include "core/BwfMetadata.h"
+#include "core/IxmlNames.h"
 #include "core/IxmlTrackText.h"
 
 #include <algorithm>
@@ -18,7 +19,6 @@ namespace {
 
 constexpr size_t kReadBlock = size_t{ 1 } << 20;
 constexpr std::string_view kRootClose = "</BWFXML>";
-constexpr std::string_view kWildTrack = "WILD_TRACK";
 
 /// The text and whether the chunk has to be written.
 struct Edited {
@@ -92,10 +92,10 @@ void setElement(Edited& ixml, std::string_view name, std::string_view value)
 
 void setWildTrack(Edited& ixml, bool wanted)
 {
-    const Element element = findElement(ixml.text, kWildTrack);
+    const Element element = findElement(ixml.text, IxmlNames::kWildTrack);
     if (!element.complete()) {
         if (wanted)
-            insertElement(ixml, kWildTrack, "TRUE");
+            insertElement(ixml, IxmlNames::kWildTrack, "TRUE");
         return;
     }
     // An element that is there keeps what it says, so FALSE can't be turned to TRUE here; yet the chunk is written.
@@ -116,11 +116,11 @@ void setScalars(Edited& ixml, const BwfMetadata& current, const BwfMetadata& upd
         std::string BwfMetadata::*field;
     };
     static constexpr Scalar kScalars[] = {
-        { "NOTE", &BwfMetadata::note },
-        { "SCENE", &BwfMetadata::scene },
-        { "TAPE", &BwfMetadata::tape },
-        { "TAKE", &BwfMetadata::take },
-        { "PROJECT", &BwfMetadata::project },
+        { IxmlNames::kNote, &BwfMetadata::note },
+        { IxmlNames::kScene, &BwfMetadata::scene },
+        { IxmlNames::kTape, &BwfMetadata::tape },
+        { IxmlNames::kTake, &BwfMetadata::take },
+        { IxmlNames::kProject, &BwfMetadata::project },
     };
     for (const Scalar& each : kScalars) {
         const std::string& value = updated.*each.field;
@@ -132,7 +132,7 @@ void setScalars(Edited& ixml, const BwfMetadata& current, const BwfMetadata& upd
 void setFlags(Edited& ixml, const BwfMetadata& current, const BwfMetadata& updated)
 {
     if (updated.circled != current.circled)
-        setElement(ixml, "CIRCLED", updated.circled ? "TRUE" : "FALSE");
+        setElement(ixml, IxmlNames::kCircled, updated.circled ? "TRUE" : "FALSE");
     if (updated.wildTrack != current.wildTrack)
         setWildTrack(ixml, updated.wildTrack);
 }
