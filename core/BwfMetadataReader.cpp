@@ -8,8 +8,8 @@
 
 namespace {
 
-constexpr std::size_t kDs64Bytes = 16; // Of the payload, as far as it is read.
-constexpr std::size_t kFmtBytes = 16;
+constexpr size_t kDs64Bytes = 16; // Of the payload, as far as it is read.
+constexpr size_t kFmtBytes = 16;
 
 // The size of the audio. On RF64 the `data` header's own size is never looked at.
 uint64_t dataSizeOf(std::istream& stream, bool isRF64, ChunkIndex& chunks)

@@ -13,14 +13,14 @@
 
 namespace {
 
-constexpr std::size_t kHistoryPieceBytes = std::size_t{ 64 } * 1024;
+constexpr size_t kHistoryPieceBytes = size_t{ 64 } * 1024;
 
 using BextLayout::Field;
 
 // The fixed fields as they arrived. A field that the end of the file cuts did not arrive at all.
 class FixedFields {
 public:
-    FixedFields(const char* bytes, std::size_t count) : payload(bytes), arrived(count) { }
+    FixedFields(const char* bytes, size_t count) : payload(bytes), arrived(count) { }
 
     // Up to the first NUL.
     std::string text(Field field) const
@@ -62,7 +62,7 @@ private:
     }
 
     const char* payload;
-    std::size_t arrived;
+    size_t arrived;
 };
 
 // HH:MM:SS by its form; the ranges of the numbers are open.
@@ -71,7 +71,7 @@ bool isTimeOfDay(const std::string& text)
     constexpr std::string_view kForm = "00:00:00";
     if (text.size() != kForm.size())
         return false;
-    for (std::size_t i = 0; i < kForm.size(); ++i) {
+    for (size_t i = 0; i < kForm.size(); ++i) {
         const bool digit = text[i] >= '0' && text[i] <= '9';
         if (kForm[i] == ':' ? text[i] != ':' : !digit)
             return false;
@@ -102,11 +102,11 @@ std::string readUpToNul(std::istream& stream, uint64_t offset, uint64_t count, C
     std::string text;
     uint64_t left = chunks.available(offset, count);
     while (left > 0) {
-        const auto piece = static_cast<std::size_t>(std::min<uint64_t>(left, kHistoryPieceBytes));
-        const std::size_t before = text.size();
+        const auto piece = static_cast<size_t>(std::min<uint64_t>(left, kHistoryPieceBytes));
+        const size_t before = text.size();
         text.resize(before + piece);
         text.resize(before + chunks.read(stream, offset + before, text.data() + before, piece));
-        const std::size_t nul = text.find('\0', before);
+        const size_t nul = text.find('\0', before);
         if (nul != std::string::npos) {
             text.resize(nul);
             break;
@@ -142,7 +142,7 @@ bool BwfMetadataReader::readBextChunk(
         return true;
     const uint64_t begin = uint64_t{ chunk->payloadIn32Bits() - ChunkWalk::kHeaderBytes } + ChunkWalk::kHeaderBytes;
     std::array<char, BextLayout::kFixedBytes> payload;
-    const std::size_t arrived = chunks.read(stream, begin, payload.data(), payload.size());
+    const size_t arrived = chunks.read(stream, begin, payload.data(), payload.size());
     takeFixedFields({ payload.data(), arrived }, record);
     if (chunk->size > BextLayout::kHistoryReserve) {
         const uint32_t count = chunk->size - BextLayout::kHistoryReserve;

@@ -22,10 +22,10 @@ namespace {
 using Element = IxmlTags::Element;
 using Mark = IxmlTags::Mark;
 
-constexpr std::size_t kMostTrackText = std::size_t{ 64 } * 1024 * 1024; // Bytes in all tracks of a file.
-constexpr std::size_t kPieceBytes = std::size_t{ 64 } * 1024; // Of a chunk, read at once.
-constexpr std::size_t kCacheLineBytes = 64;
-constexpr std::size_t kSliceBytes = std::size_t{ 4 } * 1024; // Padding is told in these.
+constexpr size_t kMostTrackText = size_t{ 64 } * 1024 * 1024; // Bytes in all tracks of a file.
+constexpr size_t kPieceBytes = size_t{ 64 } * 1024; // Of a chunk, read at once.
+constexpr size_t kCacheLineBytes = 64;
+constexpr size_t kSliceBytes = size_t{ 4 } * 1024; // Padding is told in these.
 constexpr double kPullDenominator = 1001.0;
 constexpr double kPullFactor = 1.001;
 constexpr std::array<double, 3> kPulledRates{ 23.976, 29.97, 59.94 };
@@ -62,7 +62,7 @@ void takeFraction(std::string_view numerator, std::string_view denominator, BwfM
 
 void takeFrameRate(std::string_view text, BwfMetadata& record)
 {
-    const std::size_t slash = text.find('/');
+    const size_t slash = text.find('/');
     if (slash != std::string_view::npos) {
         takeFraction(text.substr(0, slash), text.substr(slash + 1), record);
         return;
@@ -188,7 +188,7 @@ public:
     }
 
 private:
-    std::size_t left = kMostTrackText;
+    size_t left = kMostTrackText;
 };
 
 // A track's text reaches to the end of the list, not to the end of the track: an element that one track lacks comes
@@ -299,7 +299,7 @@ public:
 
 private:
     char padding = '\0';
-    std::size_t padded = 0; // Bytes of `padding` that stand behind `text`.
+    size_t padded = 0; // Bytes of `padding` that stand behind `text`.
 };
 
 struct alignas(kCacheLineBytes) CacheLine {
@@ -317,10 +317,10 @@ std::string readUnpadded(std::istream& stream, const ChunkWalk::Header& chunk, C
     char* const piece = reinterpret_cast<char*>(room.get()) + at % kCacheLineBytes;
     UnpaddedText result;
     while (left > 0) {
-        const auto wanted = static_cast<std::size_t>(std::min<uint64_t>(left, kPieceBytes));
-        const std::size_t arrived = chunks.read(stream, at, piece, wanted);
+        const auto wanted = static_cast<size_t>(std::min<uint64_t>(left, kPieceBytes));
+        const size_t arrived = chunks.read(stream, at, piece, wanted);
         const std::string_view bytes(piece, arrived);
-        for (std::size_t slice = 0; slice < arrived; slice += kSliceBytes)
+        for (size_t slice = 0; slice < arrived; slice += kSliceBytes)
             result.add(bytes.substr(slice, kSliceBytes));
         if (arrived < wanted)
             break;

@@ -18,7 +18,7 @@ namespace {
 
 constexpr double kDefaultFrameRate = 24.0; // For the rate line of a Description whose file tells no rate.
 
-/// Which steps a save needs: the difference between what is wanted and what the file holds.
+// Which steps a save needs: the difference between what is wanted and what the file holds.
 struct Changes {
     bool timeReference = false;
     bool bext = false;
@@ -28,13 +28,13 @@ struct Changes {
     bool any() const { return timeReference || bext || ixml || tracks; }
 };
 
-/// An empty text stands for "leave it as it is".
+// An empty text stands for "leave it as it is".
 bool textChanged(const std::string& updated, const std::string& current)
 {
     return !updated.empty() && updated != current;
 }
 
-/// Entries that only the file has do not count, and neither does the channel number.
+// Entries that only the file has do not count, and neither does the channel number.
 bool anyTrackChanged(const std::vector<BwfTrack>& updated, const std::vector<BwfTrack>& current)
 {
     if (updated.size() > current.size())
@@ -58,8 +58,8 @@ Changes changesBetween(const BwfMetadata& current, const BwfMetadata& updated)
     return changes;
 }
 
-/// The Description that the file gets. What the old one said stays where it is not changed, even if the iXML says
-/// otherwise; what the parser doesn't know is lost. The rate is the file's, never the wanted record's.
+// The Description that the file gets. What the old one said stays where it is not changed, even if the iXML says
+// otherwise; what the parser doesn't know is lost. The rate is the file's, never the wanted record's.
 std::string descriptionFor(const BwfMetadata& current, const BwfMetadata& updated)
 {
     CantarMetadata wanted;
@@ -81,15 +81,15 @@ std::string descriptionFor(const BwfMetadata& current, const BwfMetadata& update
     return CantarMetadataParser::buildDescription(wanted, rate);
 }
 
-/// Bytes of the file from `position` on; 0 past its end or on a failed stream.
+// Bytes of the file from `position` on; 0 past its end or on a failed stream.
 uint64_t bytesFrom(std::fstream& stream, uint64_t position)
 {
     const uint64_t size = streamBytes(stream);
     return size > position ? size - position : 0;
 }
 
-/// Overwrites what lies inside the file and drops the rest: a `bext` payload shorter than its fields is not
-/// guarded against otherwise, but the file must never grow.
+// Overwrites what lies inside the file and drops the rest: a `bext` payload shorter than its fields is not
+// guarded against otherwise, but the file must never grow.
 void overwrite(std::fstream& stream, uint64_t position, std::string_view bytes)
 {
     const uint64_t room = bytesFrom(stream, position);
@@ -97,7 +97,7 @@ void overwrite(std::fstream& stream, uint64_t position, std::string_view bytes)
     stream.write(bytes.data(), static_cast<std::streamsize>(std::min<uint64_t>(room, bytes.size())));
 }
 
-/// A text field of `size` bytes that always ends in at least one NUL.
+// A text field of `size` bytes that always ends in at least one NUL.
 std::string textField(const std::string& text, size_t size)
 {
     std::string field = size == 0 ? std::string() : text.substr(0, size - 1);

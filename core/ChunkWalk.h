@@ -52,7 +52,7 @@ public:
 
     /// Reads up to `count` bytes from `offset` into `target` and says how many there were. Fewer than `count` fail the
     /// stream; a failed stream gives none.
-    std::size_t read(std::istream& stream, uint64_t offset, char* target, std::size_t count);
+    size_t read(std::istream& stream, uint64_t offset, char* target, size_t count);
 
     /// Bytes of the file from `offset` on, at most `count`.
     uint64_t available(uint64_t offset, uint64_t count) const;
@@ -63,18 +63,18 @@ public:
 private:
     struct Block {
         std::unique_ptr<char[]> bytes;
-        std::size_t capacity = 0;
+        size_t capacity = 0;
         uint64_t begin = 0;
-        std::size_t size = 0; // Bytes that hold the file from `begin` on.
+        size_t size = 0; // Bytes that hold the file from `begin` on.
 
         uint64_t end() const { return begin + size; }
         bool holds(uint64_t offset, uint64_t count) const { return offset >= begin && offset + count <= end(); }
-        void reserve(std::size_t count); // What it held is lost if it grows.
+        void reserve(size_t count); // What it held is lost if it grows.
     };
 
-    std::size_t fetch(std::istream& stream, uint64_t offset, char* target, std::size_t count);
-    const Block* blockWith(std::istream& stream, uint64_t offset, std::size_t count);
-    std::size_t blockBytesAt(uint64_t offset) const;
+    size_t fetch(std::istream& stream, uint64_t offset, char* target, size_t count);
+    const Block* blockWith(std::istream& stream, uint64_t offset, size_t count);
+    size_t blockBytesAt(uint64_t offset) const;
     void skipEmptyChunks();
 
     uint64_t fileEnd = 0;
