@@ -6,7 +6,8 @@
 
 /// The system's default audio output, as the player needs it. One source per platform implements these
 /// functions, and the tests have one whose clock is the test; a program links exactly one of them. All decisions
-/// (order of the calls, what a failure means, default rate) are the player's: nothing here falls back or retries.
+/// (order of the calls, what a failure means, default rate) are the player's: nothing here falls back, and only `start`
+/// tries anything again.
 ///
 /// Thread: everything but the render function is called on the thread that opens the player. Calls may wait for
 /// the system, in `defaultOutputDevice` to `initialize` together for less than 3 seconds. Nothing is ever printed.
@@ -19,11 +20,18 @@ struct Buffer {
     void* mData; ///< Owned by the caller of the render function. Null means that the buffer is to be left alone.
 };
 
-/// `mNumberBuffers` buffers, lying one behind the other from `mBuffers[0]` on. Use BufferListOf to make one.
+/// `mNumberBuffers` buffers, lying one behind the other from `mBuffers[0]` on: more than the member's type says, so
+/// they are reached by `buffersOf`. Use BufferListOf to make one.
 struct BufferList {
     uint32_t mNumberBuffers;
     Buffer mBuffers[1];
 };
+
+/// The first of the buffers of `list`; the others follow it.
+inline Buffer* buffersOf(BufferList* list)
+{
+    return reinterpret_cast<Buffer*>(reinterpret_cast<std::byte*>(list) + offsetof(BufferList, mBuffers));
+}
 
 /// Room for a list of up to `kBuffers` buffers, all of them empty at first.
 template <uint32_t kBuffers> class BufferListOf {
@@ -31,9 +39,9 @@ public:
     BufferListOf()
     {
         static_assert(kBuffers >= 1);
-        auto* made = new (storage) BufferList{ kBuffers, { { 0, 0, nullptr } } };
+        new (storage) BufferList{ kBuffers, { { 0, 0, nullptr } } };
         for (uint32_t i = 1; i < kBuffers; ++i)
-            new (made->mBuffers + i) Buffer{ 0, 0, nullptr };
+            new (buffersOf(list()) + i) Buffer{ 0, 0, nullptr };
     }
     BufferListOf(const BufferListOf&) = delete;
     BufferListOf& operator=(const BufferListOf&) = delete;
@@ -41,7 +49,7 @@ public:
     /// The list. Lives as long as this object.
     BufferList* list() { return std::launder(reinterpret_cast<BufferList*>(storage)); }
     /// Buffer `index`, 0 to `kBuffers` - 1.
-    Buffer& buffer(uint32_t index) { return list()->mBuffers[index]; }
+    Buffer& buffer(uint32_t index) { return buffersOf(list())[index]; }
 
 private:
     alignas(BufferList) std::byte storage[sizeof(BufferList) + (kBuffers - 1) * sizeof(Buffer)];
@@ -61,8 +69,9 @@ uint32_t defaultOutputDevice();
 /// Nominal rate of `device` in frames per second. 0.0 if it can't be told.
 double nominalSampleRate(uint32_t device);
 
-/// A unit on the default output, not yet initialised. The caller owns it and ends it with `dispose`. Null if the
-/// system has no such service or refuses.
+/// A unit on the default output, not yet initialised. The caller owns it and ends it with `dispose`. It may take over
+/// what the last `defaultOutputDevice` has opened, so that has to come before it, on the same thread, once for each
+/// unit. Null if it didn't, or if the system has no such service or refuses.
 Unit* newUnit();
 
 /// The unit will be fed two non-interleaved channels of 32-bit float at `rate` frames per second. False if the
@@ -76,8 +85,9 @@ bool setRenderCallback(Unit* unit, RenderFunction render, void* context);
 /// Makes the unit ready for `start`. False if the system refuses or doesn't answer in time.
 bool initialize(Unit* unit);
 
-/// Begins to call the render function; on a started unit nothing changes. Anything but 0 if the device is gone
-/// or the system refuses.
+/// Begins to call the render function; on a started unit nothing changes. Where the connection to the sound service was
+/// lost since `initialize`, one new attempt is made first, which may take 3 seconds. Anything but 0 if the device is
+/// gone or the system refuses.
 int32_t start(Unit* unit);
 
 /// Ends the calls: none is in flight when this returns. On a stopped unit nothing happens.

@@ -5,21 +5,22 @@
 
 #include "audio/AudioOutput.h"
 
+#include "system/SilentErrors.h"
+
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <memory>
 
-#include <fcntl.h>
 #include <pthread.h>
 #include <pulse/pulseaudio.h>
 #include <sched.h>
-#include <unistd.h>
 
 namespace {
 
 constexpr pa_usec_t kOpenLimit = 2'500'000; // Microseconds for all steps from the connection to the ready stream.
-constexpr pa_usec_t kStepLimit = 2'500'000; // For one later step. A server that misses it once isn't waited for again.
+// For one later step. A connection whose server misses it once isn't waited for again.
+constexpr pa_usec_t kStepLimit = 2'500'000;
 constexpr pa_usec_t kStreamLatency = 100'000; // Microseconds that the server keeps queued.
 constexpr uint32_t kServerChoice = static_cast<uint32_t>(-1);
 constexpr uint32_t kPieceFrames = 1024; // Of one render call; the server may ask for several thousand at once.
@@ -94,35 +95,6 @@ void onDeadline(pa_mainloop_api* /*api*/, pa_time_event* /*event*/, const timeva
     static_cast<Connection*>(connection)->giveUp();
 }
 
-// While connecting, libpulse complains on the error output about whatever it finds wrong in the user's set-up (a
-// runtime folder of somebody else, a damaged client.conf), and offers no way to have it silent. Nothing else uses that
-// output. One at a time: two that overlap would restore the output in the wrong order.
-class SilentErrors {
-public:
-    SilentErrors() : saved(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1))
-    {
-        if (saved < 0)
-            return; // There is no error output.
-        const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-        if (nowhere < 0)
-            return;
-        dup2(nowhere, STDERR_FILENO);
-        close(nowhere);
-    }
-    ~SilentErrors()
-    {
-        if (saved < 0)
-            return;
-        dup2(saved, STDERR_FILENO);
-        close(saved);
-    }
-    SilentErrors(const SilentErrors&) = delete;
-    SilentErrors& operator=(const SilentErrors&) = delete;
-
-private:
-    int saved;
-};
-
 Connection::~Connection()
 {
     if (!loop)
@@ -144,6 +116,8 @@ bool Connection::connect()
     if (!loop || pa_threaded_mainloop_start(loop) < 0)
         return false;
     running = true;
+    // libpulse comments on whatever it finds wrong in the user's set-up (a runtime folder of somebody else, a damaged
+    // client.conf), and offers no way to have it silent.
     const SilentErrors silence;
     const Lock lock(*this);
     context = pa_context_new(pa_threaded_mainloop_get_api(loop), "Tagwell");
@@ -217,6 +191,7 @@ struct Unit {
     uint32_t rate = 0; // Frames per second.
     RenderFunction render = nullptr;
     void* context = nullptr;
+    bool initialized = false;
     bool started = false;
     bool priorityAsked = false; // libpulse's thread only.
     // Scratch of one piece, libpulse's thread only.
@@ -330,6 +305,32 @@ void dropStream(Unit& unit)
     unit.stream = nullptr;
 }
 
+bool ready(const Unit& unit)
+{
+    const Lock lock(*unit.connection);
+    return streamGood(unit);
+}
+
+// The server didn't answer in time once, or has gone: what is left of its connection serves no more. One attempt; where
+// it fails before the new connection stands, the old one stays, and closing doesn't wait for it.
+bool reconnect(Unit& unit)
+{
+    auto made = std::make_unique<Connection>();
+    if (!made->connect())
+        return false;
+    {
+        const Lock lock(*unit.connection);
+        unit.started = false;
+        dropStream(unit);
+    }
+    unit.connection = std::move(made); // Ends the old one's thread.
+    unit.priorityAsked = false;
+    const Lock lock(*unit.connection);
+    const bool connected = connectStream(unit);
+    unit.connection->endOpening();
+    return connected;
+}
+
 } // namespace
 
 uint32_t defaultOutputDevice()
@@ -380,16 +381,16 @@ bool setRenderCallback(Unit* unit, RenderFunction render, void* context)
 bool initialize(Unit* unit)
 {
     const Lock lock(*unit->connection);
-    const bool made = unit->connection->ready() && connectStream(*unit);
+    unit->initialized = unit->connection->ready() && connectStream(*unit);
     unit->connection->endOpening();
-    return made;
+    return unit->initialized;
 }
 
 int32_t start(Unit* unit)
 {
-    const Lock lock(*unit->connection);
-    if (!streamGood(*unit))
+    if (!unit->initialized || !(ready(*unit) || reconnect(*unit)))
         return -1;
+    const Lock lock(*unit->connection);
     if (unit->started)
         return 0;
     // The write callback comes only now: installed earlier it would be called once while the stream is still corked.
@@ -419,6 +420,7 @@ void stop(Unit* unit)
 void uninitialize(Unit* unit)
 {
     const Lock lock(*unit->connection);
+    unit->initialized = false;
     dropStream(*unit);
 }
 

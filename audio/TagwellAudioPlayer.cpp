@@ -9,14 +9,28 @@ uint32_t PlayerState::queuedFrames() const
 {
     // The read counter comes first. The other way about, a render call between the two loads could carry it past the
     // write counter, and a nearly empty ring would look full.
-    const uint32_t read = stereoRead.load(std::memory_order_acquire);
-    return (stereoWrite.load(std::memory_order_acquire) - read) & kStereoMask;
+    const uint64_t read = stereoRead.load(std::memory_order_acquire);
+    return framesBetween(read, stereoWrite.load(std::memory_order_acquire));
+}
+
+uint32_t PlayerState::framesBetween(uint64_t read, uint64_t write)
+{
+    if (read >> kCounterBits != write >> kCounterBits)
+        return 0;
+    return static_cast<uint32_t>(write - read) & kStereoMask;
+}
+
+uint64_t PlayerState::movedOn(uint64_t word, uint32_t frames)
+{
+    return (word >> kCounterBits << kCounterBits) | static_cast<uint32_t>(word + frames);
 }
 
 void PlayerState::emptyStereoRing()
 {
-    stereoWrite.store(0, std::memory_order_release);
-    stereoRead.store(0, std::memory_order_release);
+    // Nobody else changes the count of clears, and both words have the same.
+    const uint64_t cleared = ((stereoWrite.load(std::memory_order_relaxed) >> kCounterBits) + 1) << kCounterBits;
+    stereoWrite.store(cleared, std::memory_order_release);
+    stereoRead.store(cleared, std::memory_order_release);
 }
 
 void PlayerState::zeroPeaks()
@@ -35,6 +49,16 @@ TagwellAudioPlayer::~TagwellAudioPlayer()
 bool TagwellAudioPlayer::open(const std::string& path)
 {
     close();
+    try {
+        return openStopped(path);
+    } catch (...) {
+        close();
+        throw;
+    }
+}
+
+bool TagwellAudioPlayer::openStopped(const std::string& path)
+{
     if (!state->reader.open(path))
         return false;
     state->channels = state->reader.getChannels();
@@ -66,9 +90,9 @@ void TagwellAudioPlayer::startThreads()
 {
     state->reader.startPrefetch(state->channels);
     state->emptyStereoRing();
-    state->playing.store(false, std::memory_order_release);
+    state->transport.stop();
+    state->transport.clearFinished();
     state->paused.store(false, std::memory_order_release);
-    state->finished.store(false, std::memory_order_release);
     state->audioStarted.store(false, std::memory_order_release);
     state->openFlag.store(true, std::memory_order_release);
     state->mixerRunning.store(true, std::memory_order_release);
@@ -129,10 +153,9 @@ bool TagwellAudioPlayer::play()
 {
     if (!isOpen() || !state->outputUnit)
         return false;
-    state->finished.store(false, std::memory_order_release);
     state->audioStarted.store(false, std::memory_order_release);
     state->paused.store(false, std::memory_order_release);
-    state->playing.store(true, std::memory_order_release);
+    state->transport.start();
     return AudioOutput::start(state->outputUnit) == 0;
 }
 
@@ -143,7 +166,7 @@ void TagwellAudioPlayer::pause()
 
 void TagwellAudioPlayer::resume()
 {
-    if (!state->playing.load(std::memory_order_acquire) && isOpen()) {
+    if (!state->transport.playing() && isOpen()) {
         (void)play(); // Nobody is there to tell; the transport shows Playing either way.
         return;
     }
@@ -152,8 +175,7 @@ void TagwellAudioPlayer::resume()
 
 void TagwellAudioPlayer::stop()
 {
-    // An exchange rather than a store: the mixer thread finds it by an exchange of its own, see raisePeaks.
-    state->playing.exchange(false, std::memory_order_acq_rel);
+    state->transport.stop();
     state->paused.store(false, std::memory_order_release);
     if (state->outputUnit)
         AudioOutput::stop(state->outputUnit);
@@ -161,7 +183,7 @@ void TagwellAudioPlayer::stop()
     state->converter.reset();
     if (state->reader.isOpen())
         state->reader.setPosition(0);
-    state->finished.store(false, std::memory_order_release);
+    state->transport.clearFinished();
     state->audioStarted.store(false, std::memory_order_release);
     state->zeroPeaks();
 }
@@ -173,7 +195,7 @@ void TagwellAudioPlayer::seekSeconds(double seconds)
     state->emptyStereoRing();
     state->converter.reset();
     state->reader.seekSeconds(std::max(seconds, 0.0));
-    state->finished.store(false, std::memory_order_release);
+    state->transport.clearFinished();
 }
 
 bool TagwellAudioPlayer::isOpen() const
@@ -183,7 +205,7 @@ bool TagwellAudioPlayer::isOpen() const
 
 bool TagwellAudioPlayer::isPlaying() const
 {
-    return state->playing.load(std::memory_order_acquire) && !isPaused();
+    return state->transport.playing() && !isPaused();
 }
 
 bool TagwellAudioPlayer::isPaused() const
@@ -193,7 +215,7 @@ bool TagwellAudioPlayer::isPaused() const
 
 bool TagwellAudioPlayer::isFinished() const
 {
-    return state->finished.load(std::memory_order_acquire);
+    return state->transport.finished();
 }
 
 double TagwellAudioPlayer::positionSeconds() const

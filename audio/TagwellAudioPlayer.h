@@ -31,6 +31,7 @@ public:
     /// Closes what was open, opens `path` (UTF-8), readies the default output and starts to read ahead; stands at
     /// 0.0, stopped, with unity gains and nothing muted or soloed. Takes less than 3 seconds even if the sound service
     /// doesn't answer. False if the file can't be played or there is no output device; the player is then closed.
+    /// Throws std::system_error when the system refuses a thread, and leaves a closed player then too.
     [[nodiscard]] bool open(const std::string& path);
 
     /// Stops, ends the threads, lets go of the device and the file. Harmless when repeated.
@@ -85,6 +86,7 @@ public:
     float trackPeak(int32_t track) const;
 
 private:
+    bool openStopped(const std::string& path);
     bool setupAudioUnit();
     void teardownAudioUnit();
     void startThreads();

@@ -24,13 +24,12 @@ uint32_t fillTarget(double deviceRate)
     return std::max(frames, kMinimumTarget);
 }
 
-// Nothing came and nothing is queued: if something was playing and the file is at its end, it has ended.
-void finishAtEnd(PlayerState& state, uint32_t used)
+// Nothing came and nothing is queued: if something was playing and the file is at its end, it has ended. A seek, a stop
+// or a start since `transport` was marked has the last word.
+void finishAtEnd(PlayerState& state, uint64_t transport, uint32_t used)
 {
-    if (!state.audioStarted.load(std::memory_order_acquire) || !state.reader.isAtEnd() || used != 0)
-        return;
-    state.finished.store(true, std::memory_order_release);
-    state.playing.store(false, std::memory_order_release);
+    if (state.audioStarted.load(std::memory_order_acquire) && state.reader.isAtEnd() && used == 0)
+        state.transport.finish(transport);
 }
 
 void raisePeaks(PlayerState& state, const MixerBlocks& blocks)
@@ -41,10 +40,9 @@ void raisePeaks(PlayerState& state, const MixerBlocks& blocks)
         const float fallen = state.peakDecay * peak.load(std::memory_order_relaxed);
         peak.store(std::max(blocks.peaks[track], fallen), std::memory_order_relaxed);
     }
-    // A stop in the meantime has zeroed the peaks, perhaps before the stores above. The exchange takes part in the
-    // order of all changes of `playing`: either it finds the stop's, or the stop's zeroes come after these stores.
-    bool expected = true;
-    if (!state.playing.compare_exchange_strong(expected, true, std::memory_order_acq_rel))
+    // A stop in the meantime has zeroed the peaks, perhaps before the stores above. Either it is found here, or its
+    // zeroes come after these stores.
+    if (!state.transport.stillPlaying())
         state.zeroPeaks();
 }
 
@@ -58,27 +56,27 @@ MixerBlocks::MixerBlocks(int32_t channels)
 {
 }
 
-void PlayerState::publishFrames(uint32_t firstFrame, const float* stereo, uint32_t frames)
+void PlayerState::publishFrames(uint64_t from, const float* stereo, uint32_t frames)
 {
     for (uint32_t i = 0; i < frames; ++i) {
         const StereoFrame frame{ stereo[2 * size_t{ i }], stereo[2 * size_t{ i } + 1] };
-        stereoRing[(firstFrame + i) & kStereoMask].store(frame, std::memory_order_relaxed);
+        stereoRing[(from + i) & kStereoMask].store(frame, std::memory_order_relaxed);
     }
-    uint32_t expected = firstFrame;
     stereoWrite.compare_exchange_strong(
-        expected, firstFrame + frames, std::memory_order_release, std::memory_order_relaxed);
+        from, movedOn(from, frames), std::memory_order_release, std::memory_order_relaxed);
 }
 
 std::chrono::milliseconds mixerPass(PlayerState& state, const PlaybackMixer& mixer, MixerBlocks& blocks)
 {
-    if (!state.playing.load(std::memory_order_acquire) || state.paused.load(std::memory_order_acquire))
+    const uint64_t transport = state.transport.mark();
+    if (!TransportFlags::plays(transport) || state.paused.load(std::memory_order_acquire))
         return kIdleSleep;
 
     const uint32_t used = state.queuedFrames();
     const uint32_t target = fillTarget(state.deviceRate);
     const uint32_t room = PlayerState::kUsableFrames - used;
     if (target <= used || room < kMinimumRoom) {
-        finishAtEnd(state, used);
+        finishAtEnd(state, transport, used);
         return kFullSleep;
     }
 
@@ -87,20 +85,20 @@ std::chrono::milliseconds mixerPass(PlayerState& state, const PlaybackMixer& mix
     const uint32_t count = std::min({ target - used, room, static_cast<uint32_t>(MixerBlocks::kFileFrames) });
     const int32_t got = state.reader.readFrames(blocks.input.data(), static_cast<int32_t>(count), state.channels);
     if (got < 1) {
-        finishAtEnd(state, used);
+        finishAtEnd(state, transport, used);
         return kNoDataSleep;
     }
 
     // Loaded only now: the frames of a block that is dropped for a changed counter are then surely from before that
     // change. After a seek that was taken before the read, these are the first frames of the new place.
-    const uint32_t firstFrame = state.stereoWrite.load(std::memory_order_relaxed);
+    const uint64_t from = state.stereoWrite.load(std::memory_order_relaxed);
     state.audioStarted.store(true, std::memory_order_release);
     mixer.mixToStereo(blocks.input.data(), got, blocks.stereo.data(), blocks.peaks.data());
     raisePeaks(state, blocks);
     const int32_t made
         = state.converter.convert(blocks.stereo.data(), got, blocks.converted.data(), MixerBlocks::kDeviceFrames);
     if (made >= 1)
-        state.publishFrames(firstFrame, blocks.converted.data(), static_cast<uint32_t>(made));
+        state.publishFrames(from, blocks.converted.data(), static_cast<uint32_t>(made));
     return kNoSleep;
 }
 

@@ -63,16 +63,28 @@ void fillInterleaved(const Buffer& buffer, const Taken& taken)
 
 uint32_t PlayerState::takeFrames(uint32_t frames, StereoFrame* out)
 {
-    if (frames == 0 || !playing.load(std::memory_order_acquire) || paused.load(std::memory_order_acquire))
+    if (frames == 0 || !transport.playing() || paused.load(std::memory_order_acquire))
         return 0;
-    const uint32_t first = stereoRead.load(std::memory_order_relaxed);
-    const uint32_t available = (stereoWrite.load(std::memory_order_acquire) - first) & kStereoMask;
+    const StereoTake take = copyFrames(frames, out);
+    dropFrames(take);
+    return take.count;
+}
+
+PlayerState::StereoTake PlayerState::copyFrames(uint32_t frames, StereoFrame* out) const
+{
+    const uint64_t from = stereoRead.load(std::memory_order_relaxed);
+    const uint32_t available = framesBetween(from, stereoWrite.load(std::memory_order_acquire));
     const uint32_t count = std::min({ frames, available, kRenderBatch });
     for (uint32_t i = 0; i < count; ++i)
-        out[i] = stereoRing[(first + i) & kStereoMask].load(std::memory_order_relaxed);
-    uint32_t expected = first;
-    stereoRead.compare_exchange_strong(expected, first + count, std::memory_order_release, std::memory_order_relaxed);
-    return count;
+        out[i] = stereoRing[(from + i) & kStereoMask].load(std::memory_order_relaxed);
+    return { from, count };
+}
+
+void PlayerState::dropFrames(const StereoTake& take)
+{
+    uint64_t expected = take.from;
+    stereoRead.compare_exchange_strong(
+        expected, movedOn(take.from, take.count), std::memory_order_release, std::memory_order_relaxed);
 }
 
 int32_t TagwellAudioPlayer::renderCallback(void* context, uint32_t* /*actionFlags*/, const void* /*timeStamp*/,
@@ -83,7 +95,7 @@ int32_t TagwellAudioPlayer::renderCallback(void* context, uint32_t* /*actionFlag
     Taken taken;
     taken.count = static_cast<PlayerState*>(context)->takeFrames(frames, taken.frames.data());
 
-    const Buffer* buffers = bufferList->mBuffers;
+    const Buffer* buffers = AudioOutput::buffersOf(bufferList);
     const uint32_t bufferCount = bufferList->mNumberBuffers;
     if (bufferCount >= 2 && buffers[0].mNumberChannels <= 1) {
         fillSeparate(buffers, bufferCount, frames, taken);

@@ -80,7 +80,7 @@ double WavFileReader::getDuration() const
 
 int64_t WavFileReader::getPosition() const
 {
-    return isPrefetching() ? ringPosition.load() : position.load();
+    return isPrefetching() ? frameOf(ringPosition.load()) : position.load();
 }
 
 void WavFileReader::setPosition(int64_t frame)
@@ -101,8 +101,9 @@ void WavFileReader::goToFrame(int64_t frame)
 {
     if (isPrefetching()) {
         // The position goes first, so that it has jumped before the first new frame can be counted on top of it.
-        ringPosition.store(frame, std::memory_order_relaxed);
-        seekTarget.store(frame, std::memory_order_release);
+        const uint64_t word = nextSeekWord(frame);
+        ringPosition.store(word, std::memory_order_relaxed);
+        seekTarget.store(word, std::memory_order_release);
         return;
     }
     position = frame;

@@ -24,10 +24,13 @@
 /// 1. The indexes count frames since the start and never go back; frame i lies in slot i & (kRingFrames - 1).
 /// 2. The producer writes slots of frames from `ringWriteIndex` on, and only where a whole block fits below
 ///    `ringReadIndex` + kRingFrames. It never looks at `flushReadIndex` for room.
-/// 3. The consumer reads slots of frames from its read index up to `ringWriteIndex`, and stores `ringReadIndex` after
-/// it
+/// 3. The consumer reads slots of frames from its read index up to `ringWriteIndex`, and stores `ringReadIndex` when it
 ///    has copied them.
 /// So a slot changes hands by a release store and an acquire load in either direction, whatever seeks come in between.
+///
+/// What keeps the position right across seeks: requests are numbered. The number travels with the target through
+/// `seekTarget` to the producer, from there with the flush to the consumer, and stands beside the frame in
+/// `ringPosition`. The consumer counts frames only where its own number is the one that stands there.
 class WavFileReader {
 public:
     static constexpr int32_t kMaxChannels = 64;
@@ -91,7 +94,8 @@ public:
 
     /// The path of `readFrames` without prefetching; see there. A read that comes out short leaves the file's stream
     /// failed, and all later ones give 0 until the file is opened again, even after a seek.
-    /// Thread: owner, never while prefetching runs. Reads the file in the calling thread.
+    /// Thread: owner, never while prefetching runs. Reads the file in the calling thread, and may allocate up to
+    /// 256 KiB at the first read of more than kBlockFrames.
     int32_t readFramesSync(float* out, int32_t frames, int32_t outChannels);
 
     /// Copies at most `frames` frames out of the ring; fewer when it runs dry, 0 while a seek is pending.
@@ -102,7 +106,7 @@ public:
     /// Makes the ring and starts the producer at the current position. `maxChannels` is the number of the file's first
     /// channels that the ring keeps; below 1 or above the file's number means all. Ignored when closed or running.
     /// Thread: owner. Allocates 256 KiB for each channel.
-    /// Throws std::system_error when the system refuses a thread.
+    /// Throws std::system_error when the system refuses a thread; the reader then isn't prefetching.
     void startPrefetch(int32_t maxChannels);
 
     /// Ends the producer and returns when it has ended; ignored without one. Reads go on synchronously from where
@@ -153,6 +157,17 @@ private:
     void seekStreamToFrame(int64_t frame);
     void growScratch(int64_t frames);
 
+    // A frame and the number of the seek that led there, in one word: the frame below, the number above it. The frame
+    // gets as many bits as this file's frames need, and 32 at least; the number gets the others and begins anew at
+    // 0 when they don't hold it. A file that claims 2 to the 62 frames leaves it one value: its position is then
+    // the only one that may run a few frames ahead after a seek.
+    void divideSeekWord();
+    uint64_t seekWord(uint64_t seek, int64_t frame) const;
+    uint64_t seekOf(uint64_t word) const { return word >> frameBits; }
+    int64_t frameOf(uint64_t word) const;
+    // Requester: the word of the next seek, which goes to `frame`.
+    uint64_t nextSeekWord(int64_t frame) const;
+
     // Producer.
     void prepareRing(int32_t maxChannels);
     void prefetchLoop();
@@ -162,7 +177,9 @@ private:
     void decodeIntoRing(uint64_t firstIndex, int64_t frames);
 
     // Consumer.
+    bool takeFlush(uint64_t& readIndex, uint64_t& writeIndex);
     void copyFromRing(uint64_t firstIndex, int64_t frames, float* out, int32_t outChannels) const;
+    void countFrames(int64_t frames);
 
     // The file, as found by `open`; constant while prefetching runs.
     std::string filePath; // UTF-8.
@@ -192,14 +209,20 @@ private:
     std::atomic<uint64_t> ringWriteIndex{ 0 };
     // Consumer writes with release after its copy; producer loads with acquire. Frames ever consumed or skipped.
     std::atomic<uint64_t> ringReadIndex{ 0 };
-    // Producer increments with release, after flushReadIndex is final; consumer loads with acquire. Counts the seeks
-    // done.
+    // Producer increments with release, after flushReadIndex and flushSeek are final; consumer loads with acquire.
+    // Counts the seeks carried out.
     std::atomic<uint64_t> flushGeneration{ 0 };
     // Producer writes: ringWriteIndex at the last seek. All frames below it are from before that seek.
     std::atomic<uint64_t> flushReadIndex{ 0 };
+    // Producer writes: the number of that seek.
+    std::atomic<uint64_t> flushSeek{ 0 };
     uint64_t seenGeneration = 0; // Consumer only: the last generation that it has acted on.
-    // Requester writes a frame with release, producer exchanges it for -1. -1 means that no seek is pending.
-    std::atomic<int64_t> seekTarget{ -1 };
-    // File frame that the consumer has reached. Consumer adds, requester stores; both relaxed.
-    std::atomic<int64_t> ringPosition{ 0 };
+    uint64_t seenSeek = 0; // Consumer only: the number of the seek whose frames it reads.
+    int frameBits = 63; // Of a seek's word; constant while prefetching runs.
+    // A seek's word. Requester writes with release, producer exchanges it for kNoSeek.
+    static constexpr uint64_t kNoSeek = UINT64_MAX;
+    std::atomic<uint64_t> seekTarget{ kNoSeek };
+    // A seek's word: the file frame that the consumer has reached, or that was sought last. Requester stores, consumer
+    // adds in one attempt that fails where a seek came in between; both relaxed.
+    std::atomic<uint64_t> ringPosition{ 0 };
 };

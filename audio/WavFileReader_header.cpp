@@ -2,25 +2,80 @@
 
 #include "audio/SampleDecode.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
+#include <vector>
 
 namespace {
 
 constexpr uint32_t kDs64Fields = 24; // Bytes of the three sizes that open a `ds64` chunk.
 constexpr uint32_t kFormatFields = 16; // Bytes of the fields that open a `fmt ` chunk.
 constexpr uint32_t kSizeIsIn64 = 0xFFFFFFFF; // A chunk size that says: look into `ds64`.
-constexpr std::streamoff kChunkHeader = 8; // Bytes of a chunk's id and size.
+constexpr size_t kChunkId = 4; // Bytes.
+constexpr size_t kChunkHeader = 8; // Bytes of a chunk's id and size.
 constexpr uint32_t kNearSkip = 4096; // Up to here reading on is cheaper than a seek, which drops the stream's buffer.
+
+// Empty chunks without an id are read one by one until so many bytes of them lie in a row. A file with many short rows
+// would otherwise pay for a block and a way back at each of them.
+constexpr size_t kLongSilence = 4096;
+constexpr size_t kSilenceBlock = 262144; // Bytes of one read through a long row; a multiple of a header.
+
+template <typename T, size_t Bytes> T littleEndian(const char* bytes)
+{
+    T value = 0;
+    for (size_t i = Bytes; i > 0; --i)
+        value = static_cast<T>((static_cast<uint64_t>(value) << 8) | static_cast<unsigned char>(bytes[i - 1]));
+    return value;
+}
 
 template <typename T, size_t Bytes> T readLittleEndian(std::istream& stream)
 {
-    std::array<unsigned char, Bytes> bytes{};
-    stream.read(reinterpret_cast<char*>(bytes.data()), Bytes);
-    T value = 0;
-    for (size_t i = Bytes; i > 0; --i)
-        value = static_cast<T>((static_cast<uint64_t>(value) << 8) | bytes[i - 1]);
-    return value;
+    std::array<char, Bytes> bytes{};
+    stream.read(bytes.data(), Bytes);
+    return littleEndian<T, Bytes>(bytes.data());
+}
+
+// Whether the header of a chunk is that of an empty one without an id.
+bool isSilent(const char* header)
+{
+    return littleEndian<uint64_t, kChunkHeader>(header) == 0;
+}
+
+// Bytes at the start of the `count` ones that are whole headers of empty chunks without an id.
+size_t silentBytes(const char* bytes, size_t count)
+{
+    if (count < kChunkHeader || !isSilent(bytes))
+        return 0;
+    // The first header is zero, so all bytes are if each equals the one a header further on.
+    if (std::memcmp(bytes, bytes + kChunkHeader, count - kChunkHeader) == 0)
+        return count - count % kChunkHeader;
+    size_t silent = kChunkHeader;
+    while (count - silent >= kChunkHeader && isSilent(bytes + silent))
+        silent += kChunkHeader;
+    return silent;
+}
+
+// Moves on behind the row of empty chunks in which `stream` stands, `before` bytes of which lie behind it, by blocks
+// that are never longer than what was seen of the row. Leaves the stream as reading them one by one would: good at the
+// first header that isn't one of them, or where less than a header is left of the file.
+void skipSilence(std::istream& stream, size_t before)
+{
+    std::vector<char> block;
+    for (size_t wanted = before;; wanted = std::min(wanted * 2, kSilenceBlock)) {
+        block.resize(wanted);
+        stream.read(block.data(), static_cast<std::streamsize>(wanted));
+        const auto got = static_cast<size_t>(stream.gcount());
+        if (stream.bad())
+            return;
+        const size_t silent = silentBytes(block.data(), got);
+        if (silent == wanted)
+            continue;
+        // It was good before, so what failed it is the end of the file inside the block.
+        stream.clear();
+        stream.seekg(static_cast<std::streamoff>(silent) - static_cast<std::streamoff>(got), std::ios::cur);
+        return;
+    }
 }
 
 } // namespace
@@ -124,21 +179,26 @@ bool WavFileReader::locateData(uint64_t size64)
 
 bool WavFileReader::findChunk(const char* id, uint32_t& size, bool consumeHeader)
 {
+    size_t silence = 0; // Bytes of empty chunks without an id that were just passed by.
     for (;;) {
-        std::array<char, 4> found{};
-        stream.read(found.data(), found.size());
-        size = readUint32LE();
+        std::array<char, kChunkHeader> header{};
+        stream.read(header.data(), header.size());
+        size = littleEndian<uint32_t, 4>(header.data() + kChunkId);
         if (!stream)
             return false;
-        if (std::memcmp(found.data(), id, found.size()) == 0)
+        if (std::memcmp(header.data(), id, kChunkId) == 0)
             break;
+        silence = isSilent(header.data()) ? silence + header.size() : 0;
         // The sum is held in 32 bits: a size of 0xFFFFFFFF skips nothing.
-        skipForward(size + (size & 1));
+        if (silence == kLongSilence)
+            skipSilence(stream, silence);
+        else
+            skipForward(size + (size & 1));
         if (!stream)
             return false;
     }
     if (!consumeHeader)
-        stream.seekg(-kChunkHeader, std::ios::cur);
+        stream.seekg(-static_cast<std::streamoff>(kChunkHeader), std::ios::cur);
     return true;
 }
 

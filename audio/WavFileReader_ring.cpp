@@ -3,6 +3,7 @@
 #include "audio/SampleDecode.h"
 
 #include <algorithm>
+#include <bit>
 #include <chrono>
 #include <cstring>
 
@@ -31,7 +32,12 @@ void WavFileReader::startPrefetch(int32_t maxChannels)
         return;
     prepareRing(maxChannels);
     prefetchRunning = true;
-    prefetchThread = std::thread(&WavFileReader::prefetchLoop, this);
+    try {
+        prefetchThread = std::thread(&WavFileReader::prefetchLoop, this);
+    } catch (...) {
+        prefetchRunning = false;
+        throw;
+    }
 }
 
 void WavFileReader::prepareRing(int32_t maxChannels)
@@ -43,9 +49,36 @@ void WavFileReader::prepareRing(int32_t maxChannels)
     ringReadIndex = 0;
     flushGeneration = 0;
     flushReadIndex = 0;
+    flushSeek = 0;
     seenGeneration = 0;
-    ringPosition = position.load();
-    seekTarget = -1;
+    seenSeek = 0;
+    divideSeekWord();
+    ringPosition = seekWord(0, position);
+    seekTarget = kNoSeek;
+}
+
+void WavFileReader::divideSeekWord()
+{
+    constexpr int kFewestFrameBits = 32;
+    frameBits = std::max(kFewestFrameBits, static_cast<int>(std::bit_width(static_cast<uint64_t>(totalFrames))));
+}
+
+uint64_t WavFileReader::seekWord(uint64_t seek, int64_t frame) const
+{
+    return seek << frameBits | static_cast<uint64_t>(frame);
+}
+
+int64_t WavFileReader::frameOf(uint64_t word) const
+{
+    return static_cast<int64_t>(word & ((uint64_t{ 1 } << frameBits) - 1));
+}
+
+// Only the requester changes the number, so what it finds in the position is its own. The highest number is left out:
+// with the highest frame it would be kNoSeek.
+uint64_t WavFileReader::nextSeekWord(int64_t frame) const
+{
+    const uint64_t numbers = (uint64_t{ 1 } << (64 - frameBits)) - 1;
+    return seekWord((seekOf(ringPosition.load(std::memory_order_relaxed)) + 1) % numbers, frame);
 }
 
 void WavFileReader::stopPrefetch()
@@ -85,15 +118,16 @@ bool WavFileReader::prefetchPass(int64_t& frame)
     return true;
 }
 
-// The generation moves after flushReadIndex is final, so a consumer that sees the new generation finds an index that is
-// not older.
+// The generation moves after flushReadIndex and flushSeek are final, so a consumer that sees the new generation finds
+// values that are not older. The index goes before the number, see takeFlush.
 void WavFileReader::takeSeekRequest(int64_t& frame)
 {
-    const int64_t target = seekTarget.exchange(-1);
-    if (target < 0)
+    const uint64_t target = seekTarget.exchange(kNoSeek);
+    if (target == kNoSeek)
         return;
-    frame = std::min(target, totalFrames);
+    frame = std::min(frameOf(target), totalFrames);
     flushReadIndex.store(ringWriteIndex.load(std::memory_order_relaxed), std::memory_order_release);
+    flushSeek.store(seekOf(target), std::memory_order_release);
     flushGeneration.fetch_add(1, std::memory_order_release);
 }
 
@@ -117,20 +151,13 @@ void WavFileReader::decodeIntoRing(uint64_t firstIndex, int64_t frames)
 
 int32_t WavFileReader::readFramesFromRing(float* out, int32_t frames, int32_t outChannels)
 {
-    if (seekTarget.load(std::memory_order_acquire) >= 0)
+    if (seekTarget.load(std::memory_order_acquire) != kNoSeek)
         return 0;
 
     uint64_t readIndex = ringReadIndex.load(std::memory_order_relaxed);
-    const uint64_t generation = flushGeneration.load(std::memory_order_acquire);
-    if (generation != seenGeneration) {
-        // A second seek may land between these two loads. Then the index already belongs to it, the generation is
-        // noticed in the next read, and by then frames behind that index were consumed: the read index must not go back
-        // to it.
-        readIndex = std::max(readIndex, flushReadIndex.load(std::memory_order_acquire));
-        seenGeneration = generation;
-    }
-
-    const uint64_t writeIndex = ringWriteIndex.load(std::memory_order_acquire);
+    uint64_t writeIndex = 0;
+    if (!takeFlush(readIndex, writeIndex))
+        return 0;
     const uint64_t available = writeIndex > readIndex ? writeIndex - readIndex : 0;
     const int64_t count = std::min(static_cast<int64_t>(available), static_cast<int64_t>(frames));
     if (count < 1) {
@@ -142,8 +169,42 @@ int32_t WavFileReader::readFramesFromRing(float* out, int32_t frames, int32_t ou
     copyFromRing(readIndex, head, out, outChannels);
     copyFromRing(readIndex + static_cast<uint64_t>(head), count - head, out + head * outChannels, outChannels);
     ringReadIndex.store(readIndex + static_cast<uint64_t>(count), std::memory_order_release);
-    ringPosition.fetch_add(count, std::memory_order_relaxed);
+    countFrames(count);
     return static_cast<int32_t>(count);
+}
+
+// Loads the write index, and moves `readIndex` behind a flush that wasn't seen yet. False if a flush lands in the midst
+// of it; the next read takes that one. Frames that a flush lets in are written after its generation, so where the
+// generation is still the same behind the load of the write index, all frames below that belong to one seek, and
+// `seenSeek` is its number.
+bool WavFileReader::takeFlush(uint64_t& readIndex, uint64_t& writeIndex)
+{
+    const uint64_t generation = flushGeneration.load(std::memory_order_acquire);
+    uint64_t index = readIndex;
+    uint64_t seek = seenSeek;
+    if (generation != seenGeneration) {
+        seek = flushSeek.load(std::memory_order_acquire);
+        // The read index never goes back, whatever is found.
+        index = std::max(index, flushReadIndex.load(std::memory_order_acquire));
+    }
+    writeIndex = ringWriteIndex.load(std::memory_order_acquire);
+    if (flushGeneration.load(std::memory_order_acquire) != generation)
+        return false;
+    readIndex = index;
+    seenSeek = seek;
+    seenGeneration = generation;
+    return true;
+}
+
+// Frames from before the seek that was asked for last aren't counted on top of its target. The number says so where the
+// request has come before; where it comes between the load and the exchange, the exchange fails.
+void WavFileReader::countFrames(int64_t frames)
+{
+    uint64_t place = ringPosition.load(std::memory_order_relaxed);
+    if (seekOf(place) != seenSeek)
+        return;
+    const int64_t reached = std::min(frameOf(place) + frames, totalFrames);
+    ringPosition.compare_exchange_strong(place, seekWord(seenSeek, reached), std::memory_order_relaxed);
 }
 
 // The frames lie side by side in the ring.

@@ -11,7 +11,8 @@ struct BwfMetadata;
 /// Brings the metadata of a Broadcast WAV file in line with a record of wanted values, in place.
 ///
 /// 1. Only bytes inside the `bext` and `iXML` payloads that are already there are overwritten: Description,
-///    TimeReference and the iXML text. Chunk ids, chunk sizes, `ds64` and the audio are never written.
+///    TimeReference and the iXML text. Chunk ids, chunk sizes, `ds64` and the audio are never written, with the one
+///    exception of a `bext` shorter than its own fields, which is written past its end into what follows.
 /// 2. The file's length never changes: nothing is written at or past its end.
 /// 3. No chunk is made, moved or resized, no other file is made, nothing is rolled back.
 /// 4. The stream is never cleared. Once a search has run off the end of the file, every later one fails, so an

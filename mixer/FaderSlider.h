@@ -18,7 +18,7 @@ class FaderSlider : public QSlider {
 
 public:
     /// Sets the Fusion style, if there is one, for this slider alone, and loads the picture.
-    FaderSlider(Qt::Orientation orientation, QWidget* parent = nullptr);
+    explicit FaderSlider(Qt::Orientation orientation, QWidget* parent = nullptr);
     ~FaderSlider() override;
 
     /// The first place near the program where "fader.png" exists, absolute. The place beside the program, as it

@@ -1,10 +1,9 @@
 #include "report/PictureFile.h"
 
+#include "system/SilentErrors.h"
+
 #include <QFileInfo>
 #include <QtGlobal>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace {
 
@@ -15,30 +14,16 @@ class HeldBackMessages {
 public:
     HeldBackMessages()
         : previousHandler(qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {}))
-        , standardError(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0))
     {
-        const int nowhere = standardError < 0 ? -1 : open("/dev/null", O_WRONLY | O_CLOEXEC);
-        if (nowhere < 0)
-            return;
-        dup2(nowhere, STDERR_FILENO);
-        close(nowhere);
     }
-
-    ~HeldBackMessages()
-    {
-        if (standardError >= 0) {
-            dup2(standardError, STDERR_FILENO);
-            close(standardError);
-        }
-        qInstallMessageHandler(previousHandler);
-    }
+    ~HeldBackMessages() { qInstallMessageHandler(previousHandler); }
 
     HeldBackMessages(const HeldBackMessages&) = delete;
     HeldBackMessages& operator=(const HeldBackMessages&) = delete;
 
 private:
+    const SilentErrors noErrors;
     QtMessageHandler previousHandler;
-    int standardError; // A copy of the process's own; negative if it has none.
 };
 
 } // namespace

@@ -26,23 +26,25 @@ class Layer(NamedTuple):
 # From the top down: a row may stand on rows below it alone.
 LAYERS = (
     Layer("app", ("tagwell_shell", "tagwell"),
-          ("window", "report", "mixer", "app/files", "app/look", "app/settings", "audio", "core"), "Widgets",
+          ("window", "report", "mixer", "app/files", "app/look", "app/settings", "audio", "core",
+           "system"), "Widgets",
           "`main`, `TagwellApplication`, `MainMenu`: the program and nothing else"),
     Layer("window", ("tagwell_window",),
           ("report", "mixer", "app/files", "app/look", "app/settings", "core"), "Widgets",
           "`MetadataManagerWindow` and what it is made of"),
-    Layer("report", ("tagwell_report",), ("app/files", "app/look", "app/settings", "core"), "Widgets, PrintSupport",
+    Layer("report", ("tagwell_report",), ("app/files", "app/look", "app/settings", "core", "system"), "Widgets, PrintSupport",
           "takes, their texts, the three report writers, `SoundReportDialog`"),
     Layer("mixer", ("tagwell_mixer",), ("audio", "app/look", "core"), "Widgets",
           "`FilePlaybackMixerDialog`, `FaderSlider`, `MeterWidget`, `WaveformWidget`"),
     Layer("app/files", ("tagwell_walk", "tagwell_files"), ("app/look",), "Widgets",
           "the WAV suffix, the folder walk, command-line arguments; the native file panel and our own"),
     Layer("app/look", ("tagwell_look",), (), "Widgets", "`Theme` with the style sheets, plain tool tips"),
-    Layer("app/settings", ("tagwell_settings",), (), "", "`ConfigManager`, the one settings file"),
-    Layer("audio", ("tagwell_audio", "tagwell_audio_output"), (), "",
+    Layer("app/settings", ("tagwell_settings",), (), "", "`ConfigManager`, the one settings file, and `ReplacementFile`, which writes it"),
+    Layer("audio", ("tagwell_audio", "tagwell_audio_output"), ("system",), "",
           "`WavFileReader`, `PlaybackMixer`, `AudioRateConverter`, `TagwellAudioPlayer`"),
     Layer("core", ("tagwell_core",), (), "",
           "`BwfMetadata`, its reader and its writer, `CantarMetadataParser`, `Timecode`"),
+    Layer("system", ("tagwell_system",), (), "", "`SilentErrors`, which holds back the error output of the process"),
 )
 
 DOCUMENT = "docs/architecture.md"
@@ -50,7 +52,7 @@ PICTURE = "docs/pictures/layers.svg"
 # Where the picture has each folder: column and row of a grid, chosen so that no arrow runs through a box.
 PLACES = {
     "app": (3, 0), "window": (3, 1), "mixer": (2, 2), "report": (4, 2),
-    "audio": (0, 3), "core": (2, 3), "app/files": (4, 3), "app/settings": (6, 3), "app/look": (4, 4),
+    "audio": (0, 3), "core": (2, 3), "app/files": (4, 3), "app/settings": (6, 3), "app/look": (4, 4), "system": (2, 4),
 }
 BEGIN, END = "<!-- layers -->", "<!-- end of layers -->"
 SOURCES = (".cpp", ".h", ".mm")

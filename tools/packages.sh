@@ -6,6 +6,8 @@ PACKAGES_WINDOW="fonts-dejavu-core fonts-crosextra-carlito"
 # A virtual display and a person's hands on it.
 PACKAGES_DESKTOP="xvfb openbox xdotool imagemagick dbus at-spi2-core gir1.2-atspi-2.0 python3 python3-gi
   pulseaudio pulseaudio-utils poppler-utils"
+# A memory card of its own for the manual's pictures.
+PACKAGES_PICTURES="mount util-linux"
 PACKAGES_TEST="libgtest-dev clang strace ffmpeg libimage-exiftool-perl qpdf poppler-utils pulseaudio pulseaudio-utils
   python3 util-linux e2fsprogs mount procps locales binutils"
 PACKAGES_CI="ccache libbenchmark-dev libclang-rt-dev clang-format debootstrap desktop-file-utils"

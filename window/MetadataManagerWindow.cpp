@@ -67,8 +67,8 @@ void MetadataManagerWindow::setupUI()
     filesSplitter->setStretchFactor(1, 2);
     setTabOrders();
 
-    connect(filesSplitter, &QSplitter::splitterMoved, this, &MetadataManagerWindow::persistSplitterSizes);
-    connect(detailSplitter, &QSplitter::splitterMoved, this, &MetadataManagerWindow::persistSplitterSizes);
+    keepSizesOf(filesSplitter);
+    keepSizesOf(detailSplitter);
     // The splitters have no real size before the event loop runs.
     QTimer::singleShot(0, this, &MetadataManagerWindow::restoreSplitterSizes);
 }

@@ -126,6 +126,8 @@ private:
     void buildRecordingPane();
     void buildTrackPane();
     void setTabOrders();
+    /// Saves the sizes at every move of a handle of `splitter`, which has all its panes by now.
+    void keepSizesOf(QSplitter* splitter);
 
     /// Appends records and paths of those `paths` that are not listed yet.
     void readNewFiles(const QList<QString>& paths);

@@ -12,8 +12,10 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QSplitter>
+#include <QSplitterHandle>
 #include <QTableWidget>
 #include <QTextEdit>
 #include <QVBoxLayout>
@@ -73,10 +75,25 @@ void applyStoredSizes(QSplitter* splitter, std::span<const PaneSize> panes)
     splitter->setSizes(allUsable ? stored : defaults);
 }
 
+/// Installed on a splitter's handle: when it is let go, the sizes that its moves have saved go to the disk.
+class HandleReleaseFilter : public QObject {
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::MouseButtonRelease)
+            (void)ConfigManager::getInstance().flushConfig();
+        return QObject::eventFilter(watched, event);
+    }
+};
+
 /// Adds a row with a label that shows a value of the selection. The row's text names it for assistive tools.
 QLabel* addValueRow(QFormLayout* form, const char* title, const char* name)
 {
     auto* value = named(name, new QLabel(noValueMark()));
+    // Values come out of files; one that looks like markup is still a value.
+    value->setTextFormat(Qt::PlainText);
     form->addRow(QLatin1String(title), value);
     return value;
 }
@@ -197,8 +214,18 @@ void MetadataManagerWindow::persistSplitterSizes()
 {
     storeSizes(filesSplitter, kFilesPaneSizes);
     storeSizes(detailSplitter, kDetailPaneSizes);
-    // Sizes that are forgotten at the next start are not worth a message.
-    (void)ConfigManager::getInstance().saveConfig({});
+    // Every move of a handle comes here, as often as the mouse reports. Another program may look at the file at any
+    // moment, so each move is written, but the disk is waited for only when the handle is let go: on a slow one the
+    // handle would stutter behind the mouse. Sizes that are forgotten at the next start are not worth a message.
+    (void)ConfigManager::getInstance().saveConfigUnflushed();
+}
+
+void MetadataManagerWindow::keepSizesOf(QSplitter* splitter)
+{
+    connect(splitter, &QSplitter::splitterMoved, this, &MetadataManagerWindow::persistSplitterSizes);
+    auto* const filter = new HandleReleaseFilter(splitter);
+    for (int i = 1; i < splitter->count(); ++i)
+        splitter->handle(i)->installEventFilter(filter);
 }
 
 void MetadataManagerWindow::restoreSplitterSizes()

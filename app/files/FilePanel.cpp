@@ -147,7 +147,7 @@ QWidget* FilePanel::buildListing()
     fileView->header()->resizeSection(FolderModel::SizeColumn, kSizeWidth);
     fileView->installEventFilter(this);
     // Not `activated`: some desktops send that on a single click, and then no folder could be selected.
-    connect(fileView, &QTreeView::doubleClicked, this, &FilePanel::open);
+    connect(fileView, &QTreeView::doubleClicked, this, &FilePanel::openEntry);
     connect(fileView->selectionModel(), &QItemSelectionModel::selectionChanged, this, &FilePanel::selectionChanged);
 
     layout->addWidget(placesList);
@@ -260,7 +260,7 @@ void FilePanel::goToTypedPath()
         fileView->setFocus();
 }
 
-void FilePanel::open(const QModelIndex& index)
+void FilePanel::openEntry(const QModelIndex& index)
 {
     const QFileInfo entry = folderModel->entry(index.row());
     if (entry.isDir())
@@ -273,7 +273,7 @@ void FilePanel::openSelection()
 {
     const QModelIndexList rows = fileView->selectionModel()->selectedRows();
     if (rows.size() == 1)
-        open(rows.first());
+        openEntry(rows.first());
     else
         addSelection();
 }

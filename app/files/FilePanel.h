@@ -44,7 +44,7 @@ private:
     bool showFolder(const QString& path, const QString& nameToSelect = {});
     void goUp();
     void goToTypedPath();
-    void open(const QModelIndex& index);
+    void openEntry(const QModelIndex& index);
     void openSelection();
     void addSelection();
     void selectionChanged();

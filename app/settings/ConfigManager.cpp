@@ -1,5 +1,7 @@
 #include "app/settings/ConfigManager.h"
 
+#include "app/settings/ReplacementFile.h"
+
 #include <fcntl.h>
 #include <locale.h>
 #include <sys/stat.h>
@@ -18,11 +20,9 @@ namespace {
 constexpr char kFolderUnderHome[] = "/.config/Vorlund";
 constexpr char kFileName[] = "/config.ini";
 constexpr char kHeader[] = "# Vorlund Configuration\n\n";
-constexpr char kTemporarySuffix[] = ".tmp";
 constexpr char kBlanks[] = " \t";
 
 constexpr mode_t kFolderMode = 0755;
-constexpr mode_t kFileMode = 0666; // Less the user's mask, as for any new file.
 
 constexpr char kDriverKey[] = "audio.driver";
 constexpr char kSampleRateKey[] = "audio.samplerate";
@@ -93,40 +93,6 @@ void makeFolders(const std::string& target)
     mkdir(folder.c_str(), kFolderMode);
 }
 
-bool writeAll(int file, const std::string& text)
-{
-    size_t written = 0;
-    while (written < text.size()) {
-        const ssize_t step = write(file, text.data() + written, text.size() - written);
-        if (step < 0 && errno == EINTR)
-            continue;
-        if (step <= 0)
-            return false;
-        written += static_cast<size_t>(step);
-    }
-    return true;
-}
-
-/// False if the bytes may not have reached the disk. What can't be flushed by its nature counts as flushed.
-bool flushToDisk(int file)
-{
-    return fsync(file) == 0 || errno == EINVAL || errno == ENOTSUP;
-}
-
-/// Writes `text` into the file at `path`, which is made or emptied, and brings it to the disk. False if that fails.
-bool writeFile(const std::string& path, const std::string& text)
-{
-    // Without O_NONBLOCK a pipe of that name would hold the program until somebody reads it.
-    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, kFileMode);
-    if (file < 0)
-        return false;
-    const bool complete = writeAll(file, text) && flushToDisk(file);
-    close(file);
-    if (!complete)
-        unlink(path.c_str());
-    return complete;
-}
-
 } // namespace
 
 ConfigManager& ConfigManager::getInstance()
@@ -146,16 +112,26 @@ ConfigManager::ConfigManager()
 
 ConfigManager::~ConfigManager()
 {
-    (void)saveConfig({}); // Nobody is left who could be told.
+    // Nobody is left who could be told, and a process that ends well must not be aborted here for want of memory.
+    try {
+        (void)saveConfig({});
+        (void)flushConfig();
+    } catch (...) {
+    }
 }
 
 bool ConfigManager::loadConfig(const std::string& path)
 {
     const std::lock_guard lock(mutex);
     const std::string& source = path.empty() ? configPath : path;
-    // A pipe or a device of that name could keep the program waiting or never end.
     std::error_code unreadable;
-    if (!std::filesystem::is_regular_file(source, unreadable))
+    const std::filesystem::file_status status = std::filesystem::status(source, unreadable);
+    if (status.type() == std::filesystem::file_type::not_found)
+        return false;
+    // It counts as unread until the last line is in, whatever puts an end to this before.
+    unread.insert(source);
+    // A pipe or a device of that name could keep the program waiting or never end.
+    if (!std::filesystem::is_regular_file(status))
         return false;
     std::ifstream in(source, std::ios::binary);
     if (!in)
@@ -170,30 +146,33 @@ bool ConfigManager::loadConfig(const std::string& path)
     loaded.merge(entries); // Adds what the file lacks.
     entries.swap(loaded);
     dirty = false;
+    unread.erase(source);
     return true;
 }
 
 bool ConfigManager::saveConfig(const std::string& path)
 {
     const std::lock_guard lock(mutex);
-    if (path.empty() && !dirty)
-        return true;
-    const std::string& target = path.empty() ? configPath : path;
-    if (target.empty())
-        return false;
+    return save(path, true);
+}
 
-    makeFolders(target);
-    const std::string temporary = target + kTemporarySuffix;
-    // The bytes are on the disk before the name moves; the other way round a power cut could leave the new name
-    // on an empty file.
-    if (!writeFile(temporary, fileText()))
+bool ConfigManager::saveConfigUnflushed()
+{
+    const std::lock_guard lock(mutex);
+    return save({}, false);
+}
+
+bool ConfigManager::flushConfig()
+{
+    const std::lock_guard lock(mutex);
+    if (!unflushed)
+        return true;
+    const int file = open(configPath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (file < 0)
         return false;
-    if (std::rename(temporary.c_str(), target.c_str()) != 0) {
-        unlink(temporary.c_str());
-        return false;
-    }
-    dirty = false;
-    return true;
+    unflushed = !flushToDisk(file);
+    close(file);
+    return !unflushed;
 }
 
 void ConfigManager::setString(const std::string& key, const std::string& value)
@@ -324,6 +303,39 @@ std::string ConfigManager::getRecordingDirectory() const
 void ConfigManager::setRecordingDirectory(const std::string& directory)
 {
     setString(kRecordingKey, directory);
+}
+
+bool ConfigManager::save(const std::string& path, bool flushed)
+{
+    if (path.empty() && !dirty)
+        return true;
+    const std::string& target = path.empty() ? configPath : path;
+    if (target.empty() || !mayReplace(target))
+        return false;
+
+    makeFolders(target);
+    const std::string text = fileText();
+    ReplacementFile replacement(target);
+    if (!replacement.isOpen() || !replacement.write(text))
+        return false;
+    // The bytes are on the disk before the name moves; the other way round a power cut could leave the new name
+    // on an empty file.
+    if (flushed && !replacement.flush())
+        return false;
+    if (!replacement.takeTargetsPlace())
+        return false;
+    unread.erase(target); // It was missing, and is ours now.
+    dirty = false;
+    if (target == configPath)
+        unflushed = !flushed;
+    return true;
+}
+
+bool ConfigManager::mayReplace(const std::string& target) const
+{
+    if (access(target.c_str(), R_OK) != 0)
+        return errno == ENOENT || errno == ENOTDIR;
+    return !unread.contains(target);
 }
 
 const std::string* ConfigManager::find(const std::string& key) const

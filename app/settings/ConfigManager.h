@@ -2,6 +2,7 @@
 
 #include <map>
 #include <mutex>
+#include <set>
 #include <string>
 
 /// The program's settings: one map of texts to texts, kept in a plain file of `key=value` lines that other
@@ -25,9 +26,20 @@ public:
 
     /// Writes all entries in byte order of their keys, making missing folders. An empty `path` means
     /// `getConfigPath()` and writes only if something is unsaved; any other path is always written.
-    /// The file is replaced as a whole: at every moment, also across a power cut, it is the old or the new one.
+    /// The file is replaced as a whole: at every moment, also across a power cut, it is the old or the new one, also
+    /// when several processes save at once.
+    /// A file that is there but can't be read, or was not read whole by the last `loadConfig` of it, is never replaced:
+    /// it holds entries of other programs that the map has not.
     /// False if it can't be written; the file that was there and the unsaved state are then untouched.
     [[nodiscard]] bool saveConfig(const std::string& path);
+
+    /// As `saveConfig` with an empty path, without waiting for the disk; for saves that follow each other faster than
+    /// a slow disk keeps up. The end of the process at any moment leaves the old or the new file whole. Until the next
+    /// `flushConfig` it is up to the file system whether a power cut does so too: most bring the bytes to the disk
+    /// ahead of such a change of name by themselves.
+    [[nodiscard]] bool saveConfigUnflushed();
+    /// Waits until what `saveConfigUnflushed` wrote last is on the disk; nothing to do otherwise. False if that failed.
+    bool flushConfig();
 
     void setString(const std::string& key, const std::string& value);
     /// The value, which may be empty; `defaultValue` only if there is no such key.
@@ -76,7 +88,8 @@ public:
 protected:
     // Within reach of a derived class, so that a test can have an object of its own in a known state.
     ConfigManager();
-    /// Saves to the default path if anything is unsaved.
+    /// Saves to the default path if anything is unsaved, and flushes what was saved. Never throws; what can't be saved
+    /// for want of memory is lost.
     ~ConfigManager();
 
 private:
@@ -84,9 +97,15 @@ private:
     const std::string* find(const std::string& key) const;
     void store(const std::string& key, std::string value);
     std::string fileText() const;
+    /// False if the file at `target` holds what this process could not read. The mutex must be held.
+    bool mayReplace(const std::string& target) const;
+    /// `saveConfig` with the mutex held; `flushed` waits for the disk.
+    bool save(const std::string& path, bool flushed);
 
     std::map<std::string, std::string> entries;
     std::string configPath;
     bool dirty = false; ///< The map has changed since the last load or save.
+    bool unflushed = false; ///< The file at `configPath` may not be on the disk yet.
+    std::set<std::string> unread; ///< Files that were there and could not be read whole, as they were named to us.
     mutable std::mutex mutex; ///< Guards all of the above.
 };

@@ -125,7 +125,7 @@ void renderCallback(benchmark::State& state)
     const auto channels = static_cast<uint32_t>(state.range(0));
     const AudioOutput::RenderFunction render = installedFunction();
     const auto player = std::make_unique<PlayerState>();
-    player->playing = true;
+    player->transport.start();
     std::vector<float> left(size_t{ kRenderFrames } * channels);
     std::vector<float> right(kRenderFrames);
     AudioOutput::BufferListOf<2> list;
@@ -133,7 +133,7 @@ void renderCallback(benchmark::State& state)
     list.buffer(1) = { 1, kRenderFrames * 4, right.data() };
     list.list()->mNumberBuffers = channels == 1 ? 2 : 1;
     for (auto _ : state) {
-        player->stereoWrite.store(player->stereoRead + 4000, std::memory_order_relaxed);
+        player->stereoWrite.store(PlayerState::movedOn(player->stereoRead, 4000), std::memory_order_relaxed);
         render(player.get(), nullptr, nullptr, 0, kRenderFrames, list.list());
         benchmark::ClobberMemory();
     }

@@ -80,9 +80,9 @@ void Device::run(const PlayerState& state)
     timespec next{};
     clock_gettime(CLOCK_MONOTONIC, &next);
     while (!ending) {
-        const uint32_t before = state.stereoRead.load();
+        const uint64_t before = state.stereoRead.load();
         DrivenOutput::pull(left.data(), right.data(), kPeriod);
-        take(left.data(), state.stereoRead.load() - before);
+        take(left.data(), PlayerState::framesBetween(before, state.stereoRead.load()));
         const int64_t due = next.tv_nsec + kNanoseconds * kPeriod / kRate;
         next.tv_sec += due / kNanoseconds;
         next.tv_nsec = due % kNanoseconds;

@@ -23,7 +23,7 @@ protected:
         mixer.reset(state->channels);
         blocks = std::make_unique<MixerBlocks>(state->channels);
         state->reader.startPrefetch(state->channels);
-        state->playing = true;
+        state->transport.start();
     }
 
     void openMono(size_t frames, double deviceRate = 48000.0)
@@ -60,7 +60,7 @@ TEST_F(MixerPassTest, nothingIsTakenWhileTheTransportRests)
     state->paused = true;
     EXPECT_EQ(pass(), milliseconds(8));
     state->paused = false;
-    state->playing = false;
+    state->transport.stop();
     EXPECT_EQ(pass(), milliseconds(8));
     EXPECT_EQ(state->reader.getPosition(), position);
     EXPECT_EQ(state->peaks[0], peak) << "peaks stand still";
@@ -136,8 +136,8 @@ TEST_F(MixerPassTest, withoutDataThePassRestsFourMilliseconds)
 {
     openMono(0);
     EXPECT_EQ(pass(), milliseconds(4));
-    EXPECT_TRUE(state->playing) << "no block was taken since the start";
-    EXPECT_FALSE(state->finished);
+    EXPECT_TRUE(state->transport.playing()) << "no block was taken since the start";
+    EXPECT_FALSE(state->transport.finished());
 }
 
 TEST_F(MixerPassTest, theEndIsNoticedOnlyWhenTheRingHasRunEmpty)
@@ -149,12 +149,12 @@ TEST_F(MixerPassTest, theEndIsNoticedOnlyWhenTheRingHasRunEmpty)
         return state->stereoWrite == 300U;
     }));
     EXPECT_EQ(pass(), milliseconds(4));
-    EXPECT_FALSE(state->finished);
-    EXPECT_TRUE(state->playing);
+    EXPECT_FALSE(state->transport.finished());
+    EXPECT_TRUE(state->transport.playing());
     drain();
     EXPECT_EQ(pass(), milliseconds(4));
-    EXPECT_TRUE(state->finished);
-    EXPECT_FALSE(state->playing);
+    EXPECT_TRUE(state->transport.finished());
+    EXPECT_FALSE(state->transport.playing());
     EXPECT_EQ(pass(), milliseconds(8));
 }
 
@@ -169,8 +169,8 @@ TEST_F(MixerPassTest, theEndIsNotNoticedBeforeABlockSinceTheStart)
     drain();
     state->audioStarted = false;
     pass();
-    EXPECT_FALSE(state->finished);
-    EXPECT_TRUE(state->playing);
+    EXPECT_FALSE(state->transport.finished());
+    EXPECT_TRUE(state->transport.playing());
 }
 
 TEST_F(MixerPassTest, aPendingSeekBeforeTheEndKeepsTheTransportRunning)
@@ -184,8 +184,8 @@ TEST_F(MixerPassTest, aPendingSeekBeforeTheEndKeepsTheTransportRunning)
     drain();
     state->reader.setPosition(0);
     pass();
-    EXPECT_FALSE(state->finished);
-    EXPECT_TRUE(state->playing);
+    EXPECT_FALSE(state->transport.finished());
+    EXPECT_TRUE(state->transport.playing());
 }
 
 TEST_F(MixerPassTest, peaksFallByEightPercentWithEachBlock)
@@ -216,7 +216,7 @@ TEST_F(MixerPassTest, aConvertedBlockHas1024FramesAtMost)
     open(makeFloatFile(folder, "slow.wav", 24000, 1, numberedSamples(20000)), 192000.0);
     takeBlock();
     takeBlock();
-    const uint32_t before = state->stereoWrite;
+    const uint64_t before = state->stereoWrite;
     takeBlock();
     EXPECT_EQ(state->stereoWrite - before, 1024U) << "256 file frames would be 2048";
 }
@@ -226,7 +226,7 @@ TEST_F(MixerPassTest, convertedBlocksAreWrittenWithoutALookAtTheRoom)
     openMono(60000, 192000.0);
     ASSERT_TRUE(comesTrue([&] { return pass() == milliseconds(0) && state->stereoWrite > 1000U; }));
     state->stereoRead = state->stereoWrite - (8191U - 64U); // Room for 64 frames.
-    const uint32_t before = state->stereoWrite;
+    const uint64_t before = state->stereoWrite;
     EXPECT_EQ(pass(), milliseconds(0));
     EXPECT_GT(state->stereoWrite - before, 64U) << "64 file frames become about 256";
 }
@@ -239,6 +239,47 @@ TEST_F(MixerPassTest, aBlockThatASeekHasOvertakenIsDropped)
     EXPECT_EQ(state->stereoWrite, 500U);
     state->publishFrames(500, stereo.data(), 10);
     EXPECT_EQ(state->stereoWrite, 510U);
+}
+
+TEST_F(MixerPassTest, aBlockThatAClearHasOvertakenIsDroppedThoughTheCounterStoodAtZero)
+{
+    const std::vector<float> stereo(20, 0.5F);
+    const uint64_t from = state->stereoWrite;
+    ASSERT_EQ(from, 0U);
+    state->emptyStereoRing();
+    state->publishFrames(from, stereo.data(), 10);
+    EXPECT_EQ(state->queuedFrames(), 0U);
+    state->publishFrames(state->stereoWrite, stereo.data(), 10);
+    EXPECT_EQ(state->queuedFrames(), 10U);
+}
+
+TEST_F(MixerPassTest, aRingOfWhichOnlyOneCounterIsClearedIsEmpty)
+{
+    const std::vector<float> stereo(20, 0.5F);
+    state->publishFrames(state->stereoWrite, stereo.data(), 10);
+    const uint64_t written = state->stereoWrite;
+    state->emptyStereoRing();
+    state->stereoWrite = written;
+    EXPECT_EQ(state->queuedFrames(), 0U);
+}
+
+TEST_F(MixerPassTest, anEndFoundBeforeASeekOrStopOrStartCountsNoMore)
+{
+    TransportFlags& transport = state->transport;
+    for (void (TransportFlags::*change)() :
+        { &TransportFlags::clearFinished, &TransportFlags::stop, &TransportFlags::start }) {
+        transport.start();
+        const uint64_t mark = transport.mark();
+        (transport.*change)();
+        const bool playing = transport.playing();
+        EXPECT_FALSE(transport.finish(mark));
+        EXPECT_EQ(transport.playing(), playing);
+        EXPECT_FALSE(transport.finished());
+    }
+    transport.start();
+    EXPECT_TRUE(transport.finish(transport.mark()));
+    EXPECT_FALSE(transport.playing());
+    EXPECT_TRUE(transport.finished());
 }
 
 TEST_F(MixerPassTest, blocksHoldAtLeastOneTrack)

@@ -21,7 +21,7 @@ AudioOutput::RenderFunction installedFunction()
 
 class RenderTest : public testing::Test {
 protected:
-    RenderTest() { state->playing = true; }
+    RenderTest() { state->transport.start(); }
 
     // Frame i is i + 1 on the left and -(i + 1) on the right, counted on from the frame queued last.
     void queue(uint32_t frames)
@@ -203,7 +203,7 @@ TEST_F(RenderTest, neitherPausedNorStoppedTakesFrames)
     state->paused = true;
     render(4, list.list());
     state->paused = false;
-    state->playing = false;
+    state->transport.stop();
     render(4, list.list());
     EXPECT_EQ(left, std::vector<float>(4, 0.0F));
     EXPECT_EQ(state->queuedFrames(), 4U) << "the ring keeps its frames";
@@ -235,6 +235,21 @@ TEST_F(RenderTest, countersWrapAt32BitsWithoutALoss)
     list.buffer(0) = { 2, bytesOf(out), out.data() };
     render(6, list.list());
     EXPECT_EQ(out, (std::vector<float>{ 1, -1, 2, -2, 3, -3, 4, -4, 5, -5, 6, -6 }));
+}
+
+TEST_F(RenderTest, framesTakenBeforeAClearDoNotCountAgainstTheEmptyRing)
+{
+    queue(8191);
+    std::vector<StereoFrame> out(PlayerState::kRenderBatch);
+    const PlayerState::StereoTake take = state->copyFrames(512, out.data());
+    ASSERT_EQ(take.count, 512U);
+    ASSERT_EQ(take.from, 0U) << "the counter that a clear leaves as it is";
+    state->emptyStereoRing();
+    state->dropFrames(take);
+    EXPECT_EQ(state->queuedFrames(), 0U);
+    queue(3);
+    ASSERT_EQ(state->takeFrames(512, out.data()), 3U);
+    EXPECT_EQ(out[0].left, 8192.0F);
 }
 
 TEST_F(RenderTest, theRingHolds8191Frames)

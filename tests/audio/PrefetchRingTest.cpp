@@ -249,6 +249,67 @@ TEST_F(PrefetchRingTest, positionJumpsWithTheRequest)
     EXPECT_EQ(reader.getPosition(), 300);
 }
 
+TEST_F(PrefetchRingTest, framesReadBetweenTheHalvesOfARequestDoNotMoveItsTarget)
+{
+    start(1000);
+    producer->pass();
+    expectFrames(0, 10);
+    reader.setPosition(500);
+    producer->holdRequest();
+    expectFrames(10, 20);
+    EXPECT_EQ(reader.getPosition(), 500);
+    producer->completeRequest();
+    EXPECT_TRUE(producer->pass());
+    expectFrames(500, 20);
+    EXPECT_EQ(reader.getPosition(), 520);
+}
+
+TEST_F(PrefetchRingTest, framesReadBeforeAFlushIsSeenDoNotMoveTheTarget)
+{
+    start(1000);
+    producer->pass();
+    expectFrames(0, 10);
+    reader.setPosition(500);
+    producer->takeSeekUnseen();
+    expectFrames(10, 20);
+    EXPECT_EQ(reader.getPosition(), 500);
+    producer->showSeek();
+    EXPECT_TRUE(producer->pass());
+    expectFrames(500, 20);
+    EXPECT_EQ(reader.getPosition(), 520);
+}
+
+TEST_F(PrefetchRingTest, aSecondSeekToTheSameFrameIsASeekOfItsOwn)
+{
+    start(1000);
+    producer->pass();
+    reader.setPosition(500);
+    producer->pass();
+    expectFrames(500, 20);
+    reader.setPosition(500);
+    producer->holdRequest();
+    reader.setPosition(500);
+    producer->holdRequest();
+    expectFrames(520, 20);
+    EXPECT_EQ(reader.getPosition(), 500);
+    producer->completeRequest();
+    producer->pass();
+    expectFrames(500, 20);
+    EXPECT_EQ(reader.getPosition(), 520);
+}
+
+TEST_F(PrefetchRingTest, framesBeforeASeekToTheEndDoNotEndTheFile)
+{
+    start(1000);
+    producer->pass();
+    expectFrames(0, 10);
+    reader.setPosition(995);
+    producer->takeSeekUnseen();
+    expectFrames(10, 20);
+    EXPECT_FALSE(reader.isAtEnd());
+    EXPECT_EQ(reader.getPosition(), 995);
+}
+
 TEST_F(PrefetchRingTest, seekThrowsAwayAllFramesInTheRing)
 {
     start(100000);

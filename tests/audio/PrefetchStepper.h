@@ -37,6 +37,10 @@ public:
         --reader.flushGeneration;
     }
     void showSeek() { ++reader.flushGeneration; }
+    /// Takes back the second half of a request, as when the requester has stored the position and not yet the target;
+    /// `completeRequest` is that half.
+    void holdRequest() { held = reader.seekTarget.exchange(WavFileReader::kNoSeek); }
+    void completeRequest() { reader.seekTarget = held; }
 
     uint64_t writeIndex() const { return reader.ringWriteIndex; }
     uint64_t readIndex() const { return reader.ringReadIndex; }
@@ -48,4 +52,5 @@ public:
 private:
     WavFileReader& reader;
     int64_t frame;
+    uint64_t held = WavFileReader::kNoSeek;
 };

@@ -180,6 +180,47 @@ TEST_F(PrefetchThreadTest, tenThousandSeeksFromAThirdThreadLeaveEveryRunInOrder)
     EXPECT_EQ(checker.arrived(), targets.size());
 }
 
+TEST(PrefetchPositionTest, positionIsExactBehindEverySeekFromAThirdThread)
+{
+    constexpr int32_t kChannels = 64;
+    constexpr int64_t kLength = 80'000; // Its largest number is below 2 to the 24.
+    constexpr size_t kSeeks = 300;
+    TempFolder folder;
+    numberedFile(kLength, kChannels).write(folder.file("wide.wav"));
+    WavFileReader reader;
+    ASSERT_TRUE(reader.open(folder.file("wide.wav")));
+    reader.startPrefetch(0);
+    std::atomic<size_t> asked{ 0 };
+    std::atomic<size_t> arrived{ 0 };
+    // By turns to the start and to the middle, so that what is read tells which seek it belongs to.
+    const auto targetOf = [](size_t seek) { return seek % 2 == 0 ? int64_t{ 0 } : kLength / 2; };
+    std::thread requester([&] {
+        for (size_t seek = 1; seek <= kSeeks; ++seek) {
+            reader.setPosition(targetOf(seek));
+            asked.store(seek, std::memory_order_release);
+            while (arrived.load(std::memory_order_acquire) < seek)
+                std::this_thread::yield();
+        }
+    });
+
+    std::vector<float> out(static_cast<size_t>(kConsumerBlock) * kChannels);
+    size_t wrong = 0;
+    while (arrived < kSeeks) {
+        const int32_t got = reader.readFrames(out.data(), kConsumerBlock, kChannels);
+        const size_t seek = asked.load(std::memory_order_acquire);
+        if (got == 0 || seek == arrived)
+            continue;
+        const int64_t next = static_cast<int64_t>(out[static_cast<size_t>(got - 1) * kChannels]) / kChannels + 1;
+        if (next - got != targetOf(seek))
+            continue;
+        if (reader.getPosition() != next)
+            ++wrong;
+        arrived.store(seek, std::memory_order_release);
+    }
+    requester.join();
+    EXPECT_EQ(wrong, 0U);
+}
+
 TEST_F(PrefetchThreadTest, fileIsReadToItsEndAfterAStormOfSeeks)
 {
     std::vector<float> out(kConsumerBlock);

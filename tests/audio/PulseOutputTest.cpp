@@ -225,12 +225,54 @@ TEST_F(PulseOutputTest, aServerThatFreezesDoesNotHoldThePlayer)
     ASSERT_TRUE(comesTrue([&] { return player.positionSeconds() > 0.1; }));
     server.freeze();
     player.stop();
-    EXPECT_FALSE(player.play()) << "after one wait in vain there is no other";
+    EXPECT_FALSE(player.play()) << "the server is still frozen";
     player.close();
     PrintWatch watch(folder);
     const bool opened = player.open(path);
     EXPECT_EQ(watch.printed(), "");
     EXPECT_FALSE(opened);
+}
+
+TEST_F(PulseOutputTest, playsAgainWhenAFrozenServerIsBack)
+{
+    PulseServer server(48000);
+    ASSERT_TRUE(server.running());
+    server.useInThisProcess();
+    const std::vector<float> samples = numberedSamples(24000);
+    ASSERT_TRUE(player.open(makeFloatFile(folder, "again.wav", 48000, 1, samples)));
+    ASSERT_TRUE(player.play());
+    ASSERT_TRUE(comesTrue([&] { return player.positionSeconds() > 0.1; }));
+    server.freeze();
+    player.stop();
+    server.thaw();
+
+    PulseServer::Recording recording(server);
+    ASSERT_TRUE(recording.running());
+    ASSERT_TRUE(player.play());
+    ASSERT_TRUE(comesTrue([&] { return player.isFinished(); }));
+    const size_t enough = recording.frames() + 24000;
+    ASSERT_TRUE(comesTrue([&] { return recording.frames() >= enough; }));
+    EXPECT_EQ(withoutSilence(recording.stop()), samples);
+}
+
+TEST_F(PulseOutputTest, playsAgainOnAServerThatHasTakenTheLostOnesPlace)
+{
+    const std::string path = makeFloatFile(folder, "long.wav", 48000, 1, numberedSamples(96000));
+    {
+        PulseServer first(48000);
+        ASSERT_TRUE(first.running());
+        first.useInThisProcess();
+        ASSERT_TRUE(player.open(path));
+        ASSERT_TRUE(player.play());
+        ASSERT_TRUE(comesTrue([&] { return player.positionSeconds() > 0.1; }));
+    }
+    EXPECT_FALSE(player.play());
+    PulseServer second(44100);
+    ASSERT_TRUE(second.running());
+    second.useInThisProcess();
+    const double before = player.positionSeconds();
+    EXPECT_TRUE(player.play());
+    EXPECT_TRUE(comesTrue([&] { return player.positionSeconds() > before + 0.3; }));
 }
 
 TEST_F(PulseOutputTest, withoutAServerOpenIsFalseAndNothingIsPrinted)

@@ -205,14 +205,14 @@ TEST_F(RealTimePromise, mixerPassesCallNothing)
         PlaybackMixer mixer(kTracks);
         MixerBlocks blocks(kTracks);
         state->reader.startPrefetch(kTracks);
-        state->playing = true;
+        state->transport.start();
         int passes = 0;
         ASSERT_TRUE(comesTrue([&] {
             EXPECT_EQ(callsDuring([&] { mixerPass(*state, mixer, blocks); }), 0) << deviceRate;
             state->stereoRead = state->stereoWrite.load();
             if (++passes == 20)
                 state->converter.reset();
-            return state->finished.load();
+            return state->transport.finished();
         }));
     }
 }

@@ -281,6 +281,30 @@ TEST_F(PlayerTest, seekAfterTheEndLeadsToStoppedAtTheTargetWithTheUnitRunning)
     EXPECT_EQ(hear(SIZE_MAX), std::vector<float>(all.begin() + 4800, all.end()));
 }
 
+TEST_F(PlayerTest, aSeekOverrulesAnEndThatTheMixerHasFoundAndNotYetTold)
+{
+    ASSERT_TRUE(player.open(monoFile(96000)));
+    ASSERT_TRUE(player.play());
+    const uint64_t mark = state().transport.mark();
+    player.seekSeconds(0.5);
+    EXPECT_FALSE(state().transport.finish(mark));
+    EXPECT_TRUE(player.isPlaying());
+    EXPECT_FALSE(player.isFinished());
+}
+
+TEST_F(PlayerTest, stopAndPlayOverruleAnEndThatTheMixerHasFoundAndNotYetTold)
+{
+    ASSERT_TRUE(player.open(monoFile(96000)));
+    ASSERT_TRUE(player.play());
+    const uint64_t mark = state().transport.mark();
+    player.stop();
+    EXPECT_FALSE(state().transport.finish(mark));
+    EXPECT_FALSE(player.isFinished());
+    ASSERT_TRUE(player.play());
+    EXPECT_FALSE(state().transport.finish(mark));
+    EXPECT_TRUE(player.isPlaying());
+}
+
 TEST_F(PlayerTest, pauseAndResumeLoseNothing)
 {
     ASSERT_TRUE(player.open(monoFile(30000)));
@@ -463,10 +487,10 @@ TEST_F(PlayerTest, queuedFramesCountAtTheDevicesRateAndTakenOnesAtTheFiles)
     DrivenOutput::setNominalRate(44100.0);
     ASSERT_TRUE(player.open(monoFile(2 * 48000)));
     player.seekSeconds(1.0);
-    state().stereoWrite = 4410;
+    state().stereoWrite = PlayerState::movedOn(state().stereoRead, 4410);
     EXPECT_DOUBLE_EQ(player.positionSeconds(), 0.9);
     player.seekSeconds(0.05);
-    state().stereoWrite = 4410;
+    state().stereoWrite = PlayerState::movedOn(state().stereoRead, 4410);
     EXPECT_EQ(player.positionSeconds(), 0.0) << "never below";
 }
 

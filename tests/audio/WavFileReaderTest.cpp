@@ -229,6 +229,48 @@ TEST_F(WavFileReaderHeaderTest, chunkOfLargestOddSizeSkipsNothing)
     EXPECT_TRUE(open(WavBuilder().chunk("junk", "").claimSize("junk", 0xFFFFFFFF).fmt(48000, 1, 16).dataFrames(4)));
 }
 
+TEST_F(WavFileReaderHeaderTest, silenceBetweenChunksIsPassedByWhateverItsLength)
+{
+    const WavBuilder head = WavBuilder().fmt(48000, 1, 16);
+    const std::string tail = WavBuilder().data(le16(0x4000)).bytes().substr(12);
+    for (const size_t around : { size_t{ 0 }, size_t{ 4096 }, size_t{ 8192 }, size_t{ 12288 }, size_t{ 1048576 } }) {
+        for (size_t headers = around < 16 ? 0 : around / 8 - 2; headers <= around / 8 + 2; ++headers) {
+            ASSERT_TRUE(openBytes(head.bytes() + std::string(headers * 8, '\0') + tail)) << headers;
+            EXPECT_EQ(reader.getTotalFrames(), 1);
+            EXPECT_EQ(read(1, 1, 1), std::vector<float>{ 0.5f }) << headers;
+        }
+    }
+}
+
+TEST_F(WavFileReaderHeaderTest, silenceThatIsNoWholeNumberOfHeadersLosesTheWalk)
+{
+    const std::string head = WavBuilder().fmt(48000, 1, 16).bytes();
+    const std::string tail = WavBuilder().dataFrames(0).bytes().substr(12);
+    for (const size_t bytes : { size_t{ 7 }, size_t{ 4097 }, size_t{ 8195 }, size_t{ 100004 } })
+        EXPECT_FALSE(openBytes(head + std::string(bytes, '\0') + tail)) << bytes;
+}
+
+TEST_F(WavFileReaderHeaderTest, silenceUpToTheFilesEndIsNoChunk)
+{
+    for (size_t bytes = 8190; bytes <= 8202; ++bytes) {
+        ASSERT_TRUE(openBytes(WavBuilder().fmt(48000, 1, 16).data("").bytes() + std::string(bytes, '\0')));
+        uint32_t size = 7;
+        EXPECT_FALSE(reader.findChunk("last", size, true));
+        EXPECT_EQ(size, 0u) << bytes;
+        EXPECT_FALSE(reader.findChunk("last", size, true)) << "the stream has failed";
+    }
+}
+
+TEST_F(WavFileReaderHeaderTest, aChunkWithoutAnIdIsFoundInSilence)
+{
+    ASSERT_TRUE(openBytes(WavBuilder().fmt(48000, 1, 16).data("").bytes() + std::string(10000, '\0')));
+    const char none[4] = {};
+    uint32_t size = 7;
+    for (int i = 0; i < 1250; ++i)
+        ASSERT_TRUE(reader.findChunk(none, size, true)) << i;
+    EXPECT_FALSE(reader.findChunk(none, size, true));
+}
+
 TEST_F(WavFileReaderHeaderTest, longFmtIsLeftBehindWhole)
 {
     ASSERT_TRUE(open(WavBuilder().chunk("fmt ", fmtPayload(1, 16) + std::string(24, 'x')).data(le16(0x4000))));

@@ -219,7 +219,7 @@ std::vector<Row> otherRows()
 
 } // namespace
 
-TEST_P(Precedence, isAsSettled)
+TEST_P(Precedence, theFirstSourceThatCountsGivesTheValue)
 {
     const Row& row = GetParam();
     TempFolder folder;

@@ -251,7 +251,7 @@ TEST_F(AudioOutputMac, stopStopsTheUnitBeforeItEmptiesTheRing)
     bool playingAtStop = true;
     state.onCall = [&](const std::string&) {
         queuedAtStop = playerState().queuedFrames();
-        playingAtStop = playerState().playing;
+        playingAtStop = playerState().transport.playing();
     };
     player.stop();
     EXPECT_EQ(queuedAtStop, 3840u);

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <type_traits>
 
 namespace {
 
@@ -111,6 +112,12 @@ protected:
 };
 
 } // namespace
+
+TEST(FaderSlider, anOrientationAloneIsNoFader)
+{
+    EXPECT_FALSE((std::is_convertible_v<Qt::Orientation, FaderSlider>));
+    EXPECT_TRUE((std::is_constructible_v<FaderSlider, Qt::Orientation>));
+}
 
 TEST(FaderCap, isCentredOnTheHandleWithTheSmallerHalfBefore)
 {

@@ -296,7 +296,7 @@ TEST_F(MixerDialog, isANonModalToolWindowThatDeletesItself)
     EXPECT_EQ(dialog->filePath, QString::fromStdString(folder.file("take.wav")));
 }
 
-TEST_F(MixerDialog, laysItsRowsOutAsSettled)
+TEST_F(MixerDialog, rowsStandInOrderWithTwelvePixelMargins)
 {
     openQuarters();
     auto* rows = qobject_cast<QVBoxLayout*>(dialog->layout());
@@ -316,7 +316,7 @@ TEST_F(MixerDialog, laysItsRowsOutAsSettled)
     EXPECT_EQ(rows->stretch(5), 1);
 }
 
-TEST_F(MixerDialog, itsLabelsLookAsSettled)
+TEST_F(MixerDialog, labelsHaveTheirSizesColoursAndAlignments)
 {
     openQuarters();
     const auto style = [this](const char* label) { return find<QLabel>(QLatin1String(label))->styleSheet(); };
@@ -348,7 +348,7 @@ TEST_F(MixerDialog, theWaveformAndTheStripsHaveTheirRoom)
     EXPECT_EQ(scroll->widget()->layout()->spacing(), 8);
 }
 
-TEST_F(MixerDialog, aStripsControlsLookAsSettled)
+TEST_F(MixerDialog, aStripsLabelsAreSmallAndCentredAndItsCheckedButtonsRed)
 {
     openQuarters();
     const auto* name = find<QLabel>("nameLabel0");
@@ -365,7 +365,7 @@ TEST_F(MixerDialog, aStripsControlsLookAsSettled)
     }
 }
 
-TEST_F(MixerDialog, aFaderLooksAsSettledAndTakesTheHeight)
+TEST_F(MixerDialog, aFaderHasADarkGrooveAndTakesTheHeight)
 {
     openQuarters();
     const auto* fader = find<QSlider>("fader0");
@@ -385,7 +385,7 @@ TEST_F(MixerDialog, aFaderLooksAsSettledAndTakesTheHeight)
     EXPECT_EQ(find("fader0")->height(), before + 200);
 }
 
-TEST_F(MixerDialog, laysAStripOutAsSettled)
+TEST_F(MixerDialog, aStripStacksNameMeterFaderLevelAndButtons)
 {
     openQuarters();
     auto* column = find("strip0")->layout();

@@ -94,7 +94,7 @@ TEST_F(ReportConfiguration, aFirstRunIsEmptyWithPdfAndNoLogo)
     });
 }
 
-TEST_F(ReportConfiguration, theDialogLooksAsItIsToldTo)
+TEST_F(ReportConfiguration, nineRowsStandInOrderAndTheLogoIsReadOnly)
 {
     SoundReportDialog dialog(nullptr);
     configure(dialog, [&dialog](QDialog& form) {

@@ -161,6 +161,11 @@ void PulseServer::freeze()
     process->send(SIGSTOP);
 }
 
+void PulseServer::thaw()
+{
+    process->send(SIGCONT);
+}
+
 PulseServer::Recording::Recording(const PulseServer& server)
     : path(server.folder.file("recorded"))
     , process({ "parec", "-d", "t.monitor", "--format=float32le", "--rate=" + std::to_string(server.sinkRate),

@@ -52,6 +52,8 @@ public:
     void kill();
     /// The server stays connected and answers nothing any more. `kill` still works.
     void freeze();
+    /// Goes on after `freeze`.
+    void thaw();
 
     /// Records what the sink plays, from before the constructor returns until `stop`.
     class Recording {

@@ -112,8 +112,8 @@ class Tree(unittest.TestCase):
     def test_rowThatStandsOnAHigherOneIsFound(self):
         rows = check_layers.LAYERS
         self.addCleanup(setattr, check_layers, "LAYERS", rows)
-        check_layers.LAYERS = rows[:-1] + (rows[-1]._replace(stands_on=("audio",)),)
-        self.expect("core stands on audio, which is not below it")
+        check_layers.LAYERS = rows[:-1] + (rows[-1]._replace(stands_on=("core",)),)
+        self.expect("stands on core, which is not below it")
 
 
 if __name__ == "__main__":

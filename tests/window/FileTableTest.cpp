@@ -51,7 +51,7 @@ TEST_F(FileTable, hasItsSettings)
     EXPECT_FALSE(table()->isSortingEnabled());
 }
 
-TEST_F(FileTable, buttonsStartAsTold)
+TEST_F(FileTable, ofTheButtonsOnlyAddAndClearStartEnabled)
 {
     EXPECT_EQ(text("addButton"), "Add...");
     EXPECT_EQ(text("removeFileButton"), "Remove File");

@@ -5,9 +5,13 @@
 #include <QSplitterHandle>
 #include <QTest>
 
+#include <unistd.h>
+
 #include <limits>
 
 namespace {
+
+int waitsForTheDisk = 0;
 
 class Splitters : public WindowFixture {
 protected:
@@ -33,6 +37,15 @@ protected:
 
     static std::string settingsFile() { return readBytes(ConfigManager::getInstance().getConfigPath()); }
 };
+
+} // namespace
+
+// Stands in front of the C library's.
+extern "C" int fsync(int descriptor)
+{
+    ++waitsForTheDisk;
+    return fdatasync(descriptor);
+}
 
 TEST_F(Splitters, haveThreePanesNamedInCapitals)
 {
@@ -118,6 +131,26 @@ TEST_F(Splitters, eachMoveOfAHandleRewritesTheSettingsFile)
     EXPECT_NE(settingsFile().find("metadataManager.split.details=480\n"), std::string::npos);
 }
 
+TEST_F(Splitters, theDiskIsWaitedForOnceWhenAHandleIsLetGo)
+{
+    showFitting();
+    for (QSplitter* splitter : { files(), details() }) {
+        for (int i = 1; i < splitter->count(); ++i) {
+            QSplitterHandle* handle = splitter->handle(i);
+            const QPoint start = handle->rect().center();
+            const std::string before = settingsFile();
+            QTest::mousePress(handle, Qt::LeftButton, {}, start);
+            waitsForTheDisk = 0;
+            for (int step = 0; step < 3; ++step)
+                QTest::mouseMove(handle, start - QPoint(5, 5));
+            EXPECT_NE(settingsFile(), before);
+            EXPECT_EQ(waitsForTheDisk, 0);
+            QTest::mouseRelease(handle, Qt::LeftButton, {}, start);
+            EXPECT_EQ(waitsForTheDisk, 1);
+        }
+    }
+}
+
 TEST_F(Splitters, movesOfTheOuterHandleAreKeptToo)
 {
     showFitting();
@@ -170,5 +203,3 @@ TEST_F(Splitters, panesCannotBeDraggedToNothing)
     EXPECT_GT(details()->sizes().at(0), 50);
     EXPECT_TRUE(details()->widget(0)->isVisible());
 }
-
-} // namespace

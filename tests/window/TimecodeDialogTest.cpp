@@ -144,7 +144,7 @@ TEST_F(TimecodeDialogTest, withTwoFilesSelectedABoxAsksForExactlyOne)
 
 // The dialog.
 
-TEST_F(OneTakeTimecode, titleSizeAndTextsAreAsSettled)
+TEST_F(OneTakeTimecode, theDialogIsOfFixedSizeAndAsksForEightDigits)
 {
     edit([](const EntryHands& entry) {
         EXPECT_EQ(entry.dialog->windowTitle(), "Set New TC Start");

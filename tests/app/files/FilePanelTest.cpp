@@ -1,5 +1,6 @@
 #include "app/files/NativeFilePanel.h"
 
+#include "app/files/FilePanel.h"
 #include "app/files/FolderModel.h"
 #include "tests/support/TempFolder.h"
 
@@ -129,7 +130,7 @@ protected:
 
 } // namespace
 
-TEST_F(FilePanelTest, titleMessageAndButtonReadAsSettled)
+TEST_F(FilePanelTest, titleMessageAndButtonOfferToAddFilesAndFolders)
 {
     pick([](const PanelHands& panel) {
         EXPECT_EQ(panel.dialog->windowTitle(), "Add WAV Files or Folders");
@@ -362,7 +363,7 @@ TEST_F(FilePanelTest, aTypedFileIsSelectedInItsFolder)
 
 TEST_F(FilePanelTest, aTypedPathThatDoesNotExistIsToldAndChangesNothing)
 {
-    pick([this](const PanelHands& panel) {
+    pick([](const PanelHands& panel) {
         panel.type("gone");
         EXPECT_EQ(panel.status(), "There is no such file or folder");
         EXPECT_EQ(panel.names().size(), 6);
@@ -514,6 +515,14 @@ TEST_F(FilePanelTest, everyControlHasAnAccessibleName)
             labelled = labelled || label->buddy() == panel.widget<QLineEdit>("locationEdit");
         EXPECT_TRUE(labelled);
     });
+}
+
+TEST_F(FilePanelTest, opensWithoutWaitingAsEveryDialogDoes)
+{
+    FilePanel panel(nullptr, start(), "Add WAV Files or Folders");
+    panel.open();
+    EXPECT_TRUE(panel.isVisible());
+    EXPECT_TRUE(panel.isModal());
 }
 
 TEST_F(FilePanelTest, thePanelIsDarkWithoutParent)

@@ -1,17 +1,24 @@
 // What a save leaves behind when it is stopped or refused by the system at any of its calls. The driver beside this
 // file does the save under strace, which strikes at the call that the test names.
 
+#include "tests/support/RunProcess.h"
 #include "tests/support/TempFolder.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <sstream>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -32,12 +39,13 @@ protected:
 
     void putOldFile() const
     {
-        std::filesystem::create_directories(folder.file("deep/settings"));
+        std::filesystem::create_directories(folder.file("home/.config/Vorlund"));
         std::filesystem::remove(temporary());
         writeBytes(target(), kOld);
     }
 
-    std::string target() const { return folder.file("deep/settings/config.ini"); }
+    /// The default file of a driver that lives in the folder "home" of ours.
+    std::string target() const { return folder.file("home/.config/Vorlund/config.ini"); }
     std::string temporary() const { return target() + ".tmp"; }
 
     /// The file as it must be after the save.
@@ -49,19 +57,19 @@ protected:
 
     /// Runs the driver under strace and gives what the shell would call its status. The sanitizer's leak check
     /// can't work under strace.
-    int save(const std::string& straceOptions) const
+    int save(const std::string& straceOptions, const std::string& what = "") const
     {
-        const std::string command = "exec strace -E ASAN_OPTIONS=detect_leaks=0 -qq " + straceOptions + " "
-            + SAVE_SETTINGS_DRIVER + " '" + target() + "' " + value + " 2>/dev/null";
+        const std::string command = "HOME='" + folder.file("home") + "' exec strace -E ASAN_OPTIONS=detect_leaks=0 -qq "
+            + straceOptions + " " + SAVE_SETTINGS_DRIVER + " '" + target() + "' " + value + " " + what + " 2>/dev/null";
         const int status = std::system(command.c_str());
         return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
     }
 
     /// The system calls of a whole save, in order.
-    std::vector<SystemCall> callsOfASave() const
+    std::vector<SystemCall> callsOfASave(const std::string& what = "") const
     {
         const std::string log = folder.file("trace");
-        EXPECT_EQ(save("-s 4096 -o '" + log + "'"), 0);
+        EXPECT_EQ(save("-s 4096 -o '" + log + "'", what), 0);
         EXPECT_EQ(readBytes(target()), newFile());
         putOldFile();
 
@@ -88,9 +96,21 @@ protected:
         return "-o /dev/null -e inject=" + call.name + ":" + what + ":when=" + std::to_string(call.number);
     }
 
+    /// A failing call of that kind on the settings file itself, whatever name the call goes by.
+    std::string injectOnFile(const std::string& call, const std::string& what) const
+    {
+        return "-o /dev/null -P '" + target() + "' -e inject=" + call + ":" + what;
+    }
+
     TempFolder folder;
     std::string value = std::string(20000, 'v'); // Longer than any stream's buffer.
 };
+
+bool has(const std::vector<SystemCall>& calls, const std::string& name)
+{
+    return std::any_of(
+        calls.begin(), calls.end(), [&name](const SystemCall& call) { return call.name.starts_with(name); });
+}
 
 size_t indexOf(const std::vector<SystemCall>& calls, const std::string& name)
 {
@@ -141,9 +161,44 @@ TEST_F(ConfigManagerSaveTest, theFileItselfIsNeverOpenedForWriting)
     const std::string quoted = '"' + target() + '"';
     for (const SystemCall& call : callsOfASave()) {
         if (call.line.find(quoted) != std::string::npos) {
-            EXPECT_TRUE(call.name.starts_with("rename")) << call.line.substr(0, 200);
+            EXPECT_TRUE(call.name.starts_with("rename") || call.line.find("R_OK") != std::string::npos)
+                << call.line.substr(0, 200);
         }
     }
+}
+
+TEST_F(ConfigManagerSaveTest, anUnflushedSaveDoesNotWaitForTheDisk)
+{
+    EXPECT_TRUE(has(callsOfASave(), "fsync"));
+    const std::vector<SystemCall> calls = callsOfASave("unflushed");
+    EXPECT_TRUE(has(calls, "rename"));
+    for (const char* waits : { "fsync", "fdatasync", "sync" })
+        EXPECT_FALSE(has(calls, waits)) << waits;
+}
+
+TEST_F(ConfigManagerSaveTest, killedAtAnyCallOfAnUnflushedSaveTheFileIsTheOldOneOrTheNewOne)
+{
+    const std::vector<SystemCall> calls = callsOfASave("unflushed");
+    ASSERT_GE(calls.size(), 5u);
+    for (const SystemCall& call : calls) {
+        putOldFile();
+        ASSERT_EQ(save(inject(call, "signal=KILL"), "unflushed"), 128 + SIGKILL) << call.line.substr(0, 200);
+        const std::string left = readBytes(target());
+        EXPECT_TRUE(left == kOld || left == newFile()) << call.line.substr(0, 200);
+    }
+}
+
+TEST_F(ConfigManagerSaveTest, whatWasSavedUnflushedIsFlushedOnceAfterwards)
+{
+    const std::string log = folder.file("flushes");
+    for (const char* what : { "unflushed", "last" }) {
+        putOldFile();
+        EXPECT_EQ(save("-e trace=fsync -o '" + log + "'", what), 0) << what;
+        const std::string flushes = readBytes(log);
+        EXPECT_EQ(std::count(flushes.begin(), flushes.end(), '\n'), 1) << what << "\n" << flushes;
+        EXPECT_EQ(readBytes(target()), newFile()) << what;
+    }
+    EXPECT_EQ(save("-o /dev/null -e inject=fsync:error=EIO", "unflushed"), 1) << "the flush tells that it failed";
 }
 
 TEST_F(ConfigManagerSaveTest, aCallThatIsRefusedIsAFalseResultAndLeavesTheOldFileAlone)
@@ -160,10 +215,10 @@ TEST_F(ConfigManagerSaveTest, aCallThatIsRefusedIsAFalseResultAndLeavesTheOldFil
     }
 }
 
-TEST_F(ConfigManagerSaveTest, foldersThatCannotBeMadeAndAFailingCloseDoNotMatter)
+TEST_F(ConfigManagerSaveTest, foldersThatCannotBeMadeAFailingCloseAndMissingLocksDoNotMatter)
 {
     const std::vector<SystemCall> calls = callsOfASave();
-    for (const char* refused : { "mkdir", "close" }) {
+    for (const char* refused : { "mkdir", "close", "flock" }) {
         putOldFile();
         EXPECT_EQ(save(inject(calls[indexOf(calls, refused)], "error=EIO")), 0) << refused;
         EXPECT_EQ(readBytes(target()), newFile()) << refused;
@@ -191,5 +246,86 @@ TEST_F(ConfigManagerSaveTest, aSizeLimitInTheMiddleOfTheTextLeavesTheOldFile)
     const int status = std::system(command.c_str());
     EXPECT_EQ(WEXITSTATUS(status), 1);
     EXPECT_EQ(readBytes(target()), kOld);
+    EXPECT_FALSE(std::filesystem::exists(temporary()));
+}
+
+// A file that is there and can't be read.
+
+TEST_F(ConfigManagerSaveTest, aFileThatCannotBeOpenedForReadingIsNeverReplaced)
+{
+    for (const char* error : { "error=EACCES", "error=EIO", "error=EMFILE" }) {
+        EXPECT_EQ(save(injectOnFile("/^open", error), "unread"), 1) << error;
+        EXPECT_EQ(readBytes(target()), kOld) << error;
+        EXPECT_FALSE(std::filesystem::exists(temporary())) << error;
+    }
+}
+
+TEST_F(ConfigManagerSaveTest, aFileWhoseReadingBreaksOffIsNeverReplaced)
+{
+    const std::string longFile = std::string(kOld) + "zz=" + std::string(30000, 'z') + "\n";
+    for (const char* when : { "error=EIO:when=1", "error=EIO:when=2" }) {
+        writeBytes(target(), longFile);
+        EXPECT_EQ(save(injectOnFile("/^readv?$", when), "unread"), 1) << when;
+        EXPECT_EQ(readBytes(target()), longFile) << when;
+    }
+}
+
+TEST_F(ConfigManagerSaveTest, aFileThatHasBecomeUnreadableIsNotReplaced)
+{
+    EXPECT_EQ(save(injectOnFile("/access", "error=EACCES")), 1);
+    EXPECT_EQ(readBytes(target()), kOld);
+    EXPECT_EQ(save("-o /dev/null"), 0);
+    EXPECT_EQ(readBytes(target()), newFile());
+}
+
+TEST_F(ConfigManagerSaveTest, endingWithoutMemoryLosesTheSaveButNotTheFileOrTheProcess)
+{
+    int oldFiles = 0;
+    for (int allocations = 0; readBytes(target()) == kOld && allocations < 1000; ++allocations) {
+        const ProcessResult end
+            = runProcess({ SAVE_SETTINGS_DRIVER, target(), value, "exhausted", std::to_string(allocations) },
+                { "HOME=" + folder.file("home") });
+        ASSERT_EQ(end.exitCode, 0) << end.signal << " with " << allocations << "\n" << end.output;
+        EXPECT_FALSE(std::filesystem::exists(temporary())) << allocations;
+        ++oldFiles;
+    }
+    EXPECT_GE(oldFiles, 3) << "the save hardly allocates, so this has shown nothing";
+    EXPECT_EQ(readBytes(target()), newFile());
+}
+
+// Several that save at once.
+
+TEST_F(ConfigManagerSaveTest, anothersTemporaryFileIsNotTouchedWhileHeHoldsIt)
+{
+    writeBytes(temporary(), "half of another's");
+    const int other = open(temporary().c_str(), O_RDONLY);
+    ASSERT_EQ(flock(other, LOCK_EX), 0);
+    EXPECT_EQ(save("-o /dev/null"), 1);
+    EXPECT_EQ(readBytes(temporary()), "half of another's");
+    EXPECT_EQ(readBytes(target()), kOld);
+    close(other);
+    EXPECT_EQ(save("-o /dev/null"), 0);
+    EXPECT_EQ(readBytes(target()), newFile());
+}
+
+TEST_F(ConfigManagerSaveTest, twoThatSaveAtOnceNeverShowAnEmptyOrHalfFile)
+{
+    writeBytes(target(), newFile());
+    std::atomic<int> running = 2;
+    std::vector<std::thread> savers;
+    for (int i = 0; i < 2; ++i) {
+        savers.emplace_back([&] {
+            EXPECT_EQ(runProcess({ SAVE_SETTINGS_DRIVER, target(), value, "many", "400" }).exitCode, 0);
+            --running;
+        });
+    }
+    int looks = 0;
+    int bad = 0;
+    for (; running > 0; ++looks)
+        bad += readBytes(target()) != newFile();
+    for (std::thread& saver : savers)
+        saver.join();
+    EXPECT_EQ(bad, 0) << "of " << looks;
+    EXPECT_GT(looks, 0);
     EXPECT_FALSE(std::filesystem::exists(temporary()));
 }

@@ -460,6 +460,43 @@ TEST_F(ConfigManagerTest, aFolderOrAPipeIsNotRead)
     EXPECT_TRUE(std::filesystem::exists(defaultPath())) << "the change counted as saved";
 }
 
+TEST_F(ConfigManagerTest, whatIsThereAndCannotBeReadIsNotReplacedUntilItIsGone)
+{
+    const std::string pipe = home.file("settings.ini");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_FALSE(settings().loadConfig(pipe));
+    EXPECT_FALSE(settings().saveConfig(pipe));
+    EXPECT_TRUE(std::filesystem::is_fifo(pipe));
+    std::filesystem::remove(pipe);
+    EXPECT_TRUE(settings().saveConfig(pipe));
+    EXPECT_TRUE(settings().saveConfig(pipe)) << "it is our own file now";
+    EXPECT_EQ(readBytes(pipe), kDefaultFile);
+}
+
+TEST_F(ConfigManagerTest, aFileThatIsReadAtLastIsReplacedAgain)
+{
+    const std::string path = home.file("settings.ini");
+    std::filesystem::create_directory(path);
+    EXPECT_FALSE(settings().loadConfig(path));
+    std::filesystem::remove(path);
+    writeBytes(path, "theirs=1\n");
+    EXPECT_FALSE(settings().saveConfig(path)) << "its entries are not in the map";
+    EXPECT_EQ(readBytes(path), "theirs=1\n");
+    EXPECT_TRUE(settings().loadConfig(path));
+    EXPECT_TRUE(settings().saveConfig(path));
+    EXPECT_NE(readBytes(path).find("theirs=1\n"), std::string::npos);
+}
+
+TEST_F(ConfigManagerTest, aFileThatWasMissingAtTheLoadIsMadeAndReplacedAsEver)
+{
+    EXPECT_FALSE(settings().loadConfig(""));
+    for (const char* value : { "1", "2" }) {
+        settings().setString("a", value);
+        EXPECT_TRUE(settings().saveConfig(""));
+        EXPECT_NE(readBytes(defaultPath()).find(std::string("\na=") + value + "\n"), std::string::npos);
+    }
+}
+
 TEST_F(ConfigManagerTest, withoutHomeNothingIsLoadedAndOnlyAnUnchangedMapIsSaved)
 {
     unsetenv("HOME");

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+/// Whether the transport plays and whether the file has played to its end, in one word with a count of what the
+/// interface thread has done to it.
+///
+/// The mixer thread finds the end of the file in several steps, and the interface thread may seek, stop or start in the
+/// midst of them. The mixer thread therefore marks the word before it looks, and ends the playing by an exchange
+/// against that mark: whatever the interface thread has done since then stays.
+class TransportFlags {
+public:
+    /// Thread: any.
+    bool playing() const { return plays(word.load(std::memory_order_acquire)); }
+    /// Thread: any.
+    bool finished() const { return (word.load(std::memory_order_acquire) & kFinished) != 0; }
+
+    /// Plays, and hasn't finished. Thread: interface.
+    void start() { change(kPlaying | kFinished, kPlaying); }
+    /// Plays no more; finished stays as it is. Thread: interface.
+    void stop() { change(kPlaying, 0); }
+    /// Hasn't finished; playing stays as it is. An end that the mixer thread is about to find counts no more.
+    /// Thread: interface.
+    void clearFinished() { change(kFinished, 0); }
+
+    /// The word as it stands, for `plays` and `finish`. Thread: mixer.
+    uint64_t mark() const { return word.load(std::memory_order_acquire); }
+    /// What `playing` was when `mark` was taken.
+    static bool plays(uint64_t mark) { return (mark & kPlaying) != 0; }
+    /// Has finished and plays no more, both at once, if nothing has changed since `mark`; else nothing happens, and the
+    /// result is false. Thread: mixer. One attempt.
+    bool finish(uint64_t mark)
+    {
+        return word.compare_exchange_strong(
+            mark, (mark & ~kPlaying) | kFinished, std::memory_order_acq_rel, std::memory_order_relaxed);
+    }
+    /// `playing`, as a part of the order of all changes: if this is true, whatever the thread that stops does behind
+    /// its stop comes after what was done before this call. Thread: mixer. One attempt.
+    bool stillPlaying() { return plays(word.fetch_add(0, std::memory_order_acq_rel)); }
+
+private:
+    static constexpr uint64_t kPlaying = 1;
+    static constexpr uint64_t kFinished = 2;
+    static constexpr uint64_t kOneChange = 4;
+
+    // The mixer thread changes the word at most once between two changes, so this ends at the second attempt.
+    void change(uint64_t bits, uint64_t values)
+    {
+        uint64_t old = word.load(std::memory_order_relaxed);
+        while (!word.compare_exchange_weak(
+            old, ((old & ~bits) | values) + kOneChange, std::memory_order_acq_rel, std::memory_order_relaxed)) { }
+    }
+
+    std::atomic<uint64_t> word{ 0 };
+};
