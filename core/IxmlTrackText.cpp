@@ -1,218 +1,250 @@
 #include "core/IxmlTrackText.h"
 
-#include <algorithm>
+#include "core/IxmlNames.h"
+
+#include <bit>
 #include <charconv>
-#include <numeric>
-#include <utility>
 
 namespace {
 
 constexpr std::string_view kChannelOpen = "<CHANNEL_INDEX>";
 constexpr std::string_view kChannelClose = "</CHANNEL_INDEX>";
 
-struct PlainTag {
-    IxmlTrackText::Kind kind;
-    std::string_view bytes;
-};
+// In the order of IxmlTrackText::Content.
+constexpr std::array<std::string_view, 6> kTags
+    = { "<TRACK>", "</TRACK>", "<NAME>", "</NAME>", "<FUNCTION>", "</FUNCTION>" };
 
-constexpr std::array kPlainTags = {
-    PlainTag{ IxmlTrackText::Kind::TrackOpen, "<TRACK>" },
-    PlainTag{ IxmlTrackText::Kind::TrackClose, "</TRACK>" },
-    PlainTag{ IxmlTrackText::Kind::NameOpen, "<NAME>" },
-    PlainTag{ IxmlTrackText::Kind::NameClose, "</NAME>" },
-    PlainTag{ IxmlTrackText::Kind::FunctionOpen, "<FUNCTION>" },
-    PlainTag{ IxmlTrackText::Kind::FunctionClose, "</FUNCTION>" },
-};
-
-/// Length of the whole CHANNEL_INDEX element at the start of `where`; 0 if there is none, or if it says its number
-/// in any other way than the plain decimal that an edit looks for ("01", " 1", "+1").
-size_t channelElement(std::string_view where, int32_t& channelIndex)
+constexpr std::string_view nameIn(std::string_view openingTag)
 {
-    if (!where.starts_with(kChannelOpen))
-        return 0;
-    where.remove_prefix(kChannelOpen.size());
-    const auto [end, error] = std::from_chars(where.data(), where.data() + where.size(), channelIndex);
-    if (error != std::errc())
-        return 0;
-    const auto digits = static_cast<size_t>(end - where.data());
-    if (!where.substr(digits).starts_with(kChannelClose) || where.substr(0, digits) != std::to_string(channelIndex))
-        return 0;
-    return kChannelOpen.size() + digits + kChannelClose.size();
+    return openingTag.substr(1, openingTag.size() - 2);
+}
+static_assert(nameIn(kChannelOpen) == IxmlNames::kChannelIndex);
+static_assert(nameIn(kTags[0]) == IxmlNames::kTrack);
+static_assert(nameIn(kTags[2]) == IxmlNames::kName);
+static_assert(nameIn(kTags[4]) == IxmlNames::kFunction);
+
+std::string channelElement(int32_t channelIndex)
+{
+    return std::string(kChannelOpen).append(std::to_string(channelIndex)).append(kChannelClose);
 }
 
 } // namespace
 
-IxmlTrackText::KeyList::KeyList(std::vector<uint64_t> ascending)
-    : keys(std::move(ascending)), forward(keys.size() + 1), backward(keys.size() + 1)
+// The tag at the start of `text`; Bytes if there is none. A CHANNEL_INDEX counts only if it says its number in the
+// plain decimal that an edit looks for, not as "01", " 1" or "+1".
+IxmlTrackText::Content IxmlTrackText::tagAt(std::string_view text, int32_t& channelIndex)
 {
-    std::iota(forward.begin(), forward.end(), 0u);
-    std::iota(backward.begin(), backward.end(), 0u);
-}
-
-size_t IxmlTrackText::KeyList::follow(std::vector<uint32_t>& links, size_t slot)
-{
-    while (links[slot] != slot) {
-        links[slot] = links[links[slot]]; // Halves the road for whoever comes next.
-        slot = links[slot];
+    const char third = text.size() > 2 ? text[2] : '\0'; // Differs in each tag.
+    for (size_t tag = 0; tag < kTags.size(); ++tag) {
+        if (third == kTags[tag][2] && text.starts_with(kTags[tag]))
+            return static_cast<Content>(tag);
     }
-    return slot;
+    if (!text.starts_with(kChannelOpen))
+        return Bytes;
+    text.remove_prefix(kChannelOpen.size());
+    if (std::from_chars(text.data(), text.data() + text.size(), channelIndex).ec != std::errc())
+        return Bytes;
+    const std::string number = std::to_string(channelIndex);
+    return text.starts_with(number) && text.substr(number.size()).starts_with(kChannelClose) ? ChannelIndex : Bytes;
 }
 
-void IxmlTrackText::KeyList::remove(uint64_t key)
+// Calls `onTag(offset, tag, channelIndex)` for each tag in the order of the text.
+template <class OnTag> void IxmlTrackText::forEachTag(std::string_view text, OnTag onTag)
 {
-    const auto slot = static_cast<size_t>(std::lower_bound(keys.begin(), keys.end(), key) - keys.begin());
-    forward[slot] = static_cast<uint32_t>(slot + 1);
-    backward[slot + 1] = static_cast<uint32_t>(slot);
-}
-
-uint64_t IxmlTrackText::KeyList::firstFrom(uint64_t key)
-{
-    const auto start = static_cast<size_t>(std::lower_bound(keys.begin(), keys.end(), key) - keys.begin());
-    const size_t slot = follow(forward, start);
-    return slot == keys.size() ? kNoKey : keys[slot];
-}
-
-uint64_t IxmlTrackText::KeyList::lastUpTo(uint64_t key)
-{
-    const auto start = static_cast<size_t>(std::upper_bound(keys.begin(), keys.end(), key) - keys.begin());
-    const size_t slot = follow(backward, start);
-    return slot == 0 ? kNoKey : keys[slot - 1];
-}
-
-IxmlTrackText::IxmlTrackText(std::string ixml) : text(std::move(ixml))
-{
-    buildIndex();
-}
-
-/// Groups the elements by their number, in the order of the text within a group.
-uint64_t IxmlTrackText::channelKey(int32_t channelIndex, Tag tag)
-{
-    return uint64_t{ static_cast<uint32_t>(channelIndex) } << 32 | tag;
-}
-
-bool IxmlTrackText::matchTag(std::string_view where, size_t offset, Entry& found)
-{
-    const std::string_view rest = where.substr(offset);
-    found.offset = offset;
-    for (const PlainTag& each : kPlainTags) {
-        if (rest.starts_with(each.bytes)) {
-            found.kind = each.kind;
-            found.length = static_cast<uint32_t>(each.bytes.size());
-            return true;
-        }
+    int32_t channelIndex = 0;
+    for (size_t at = text.find('<'); at != std::string_view::npos; at = text.find('<', at + 1)) {
+        const Content tag = tagAt(text.substr(at), channelIndex);
+        if (tag != Bytes)
+            onTag(at, tag, channelIndex);
     }
-    found.kind = Kind::ChannelIndex;
-    found.length = static_cast<uint32_t>(channelElement(rest, found.channelIndex));
-    return found.length != 0;
 }
 
-bool IxmlTrackText::findTag(std::string_view where, size_t from, Entry& found)
+IxmlTrackText::IxmlTrackText(std::string_view ixml) : parts(1), blocks(1)
 {
-    for (size_t at = where.find('<', from); at != std::string_view::npos; at = where.find('<', at + 1)) {
-        if (matchTag(where, at, found))
-            return true;
+    size_t begin = 0;
+    forEachTag(ixml, [&](size_t at, Content tag, int32_t channelIndex) {
+        parts.back() = ixml.substr(begin, at - begin);
+        noteBytes(parts.size() - 1);
+        begin = at;
+        parts.emplace_back();
+        blocks.resize((parts.size() - 1) / kPerBlock + 1);
+        noteTag(parts.size() - 1, tag, channelIndex);
+    });
+    parts.back() = ixml.substr(begin);
+    noteBytes(parts.size() - 1);
+}
+
+void IxmlTrackText::noteTag(size_t part, Content tag, int32_t channelIndex)
+{
+    blocks[part / kPerBlock].holders[tag] |= uint64_t{ 1 } << part % kPerBlock;
+    if (tag == ChannelIndex)
+        numbers.emplace_hint(numbers.end(), channelIndex, part);
+}
+
+void IxmlTrackText::noteBytes(size_t part)
+{
+    blocks[part / kPerBlock].bytes += parts[part].size();
+    if (!parts[part].empty())
+        noteTag(part, Bytes, 0);
+}
+
+// Notes what the part holds; nothing may be noted of it yet.
+void IxmlTrackText::noteAll(size_t part)
+{
+    noteBytes(part);
+    forEachTag(parts[part], [&](size_t, Content tag, int32_t channelIndex) { noteTag(part, tag, channelIndex); });
+}
+
+// Takes back what is noted of the part, which must still have the text that was noted.
+void IxmlTrackText::forgetAll(size_t part)
+{
+    Block& block = blocks[part / kPerBlock];
+    block.bytes -= parts[part].size();
+    for (uint64_t& each : block.holders)
+        each &= ~(uint64_t{ 1 } << part % kPerBlock);
+    forEachTag(parts[part], [&](size_t, Content tag, int32_t channelIndex) {
+        if (tag == ChannelIndex)
+            numbers.erase({ channelIndex, part });
+    });
+}
+
+// The first part from this one on that holds it; kNoPart if there is none. The search ends once it has passed `limit`
+// bytes of whole blocks: most tracks have no FUNCTION, and each would look through all tracks behind it.
+size_t IxmlTrackText::firstPartFrom(size_t part, Content content, size_t limit) const
+{
+    const size_t firstBlock = part / kPerBlock;
+    uint64_t mask = UINT64_MAX << part % kPerBlock;
+    size_t passed = 0; // Bytes of the blocks behind the first, in which the search may begin anywhere.
+    for (size_t block = firstBlock; block < blocks.size() && passed < limit; ++block, mask = UINT64_MAX) {
+        if (const uint64_t bits = blocks[block].holders[content] & mask; bits != 0)
+            return block * kPerBlock + static_cast<size_t>(std::countr_zero(bits));
+        passed += block == firstBlock ? 0 : blocks[block].bytes;
     }
-    return false;
+    return kNoPart;
 }
 
-void IxmlTrackText::buildIndex()
+// The last part up to this one that holds it; kNoPart if there is none.
+size_t IxmlTrackText::lastPartUpTo(size_t part, Content content) const
 {
-    entries.clear();
-    edits.clear();
-    std::array<std::vector<uint64_t>, kKinds> keys;
-    Entry found;
-    for (size_t from = 0; findTag(text, from, found); from = found.offset + found.length) {
-        const auto tag = static_cast<Tag>(entries.size());
-        entries.push_back(found);
-        const bool isChannel = found.kind == Kind::ChannelIndex;
-        keys[static_cast<size_t>(found.kind)].push_back(isChannel ? channelKey(found.channelIndex, tag) : tag);
+    uint64_t mask = UINT64_MAX >> (kPerBlock - 1 - part % kPerBlock);
+    for (size_t block = part / kPerBlock + 1; block-- > 0; mask = UINT64_MAX) {
+        if (const uint64_t bits = blocks[block].holders[content] & mask; bits != 0)
+            return block * kPerBlock + static_cast<size_t>(std::bit_width(bits)) - 1;
     }
-
-    std::vector<uint64_t>& channelKeys = keys[static_cast<size_t>(Kind::ChannelIndex)];
-    std::sort(channelKeys.begin(), channelKeys.end());
-    for (size_t kind = 0; kind < kKinds; ++kind)
-        lists[kind] = KeyList(std::move(keys[kind]));
-
-    std::vector<uint64_t> numbers(entries.size());
-    std::iota(numbers.begin(), numbers.end(), uint64_t{ 0 });
-    standing = KeyList(std::move(numbers));
-    growth.assign(entries.size() + 1, 0);
+    return kNoPart;
 }
 
-IxmlTrackText::Tag IxmlTrackText::firstChannelIndex(int32_t channelIndex)
+// Where the first element begins that gives this number.
+std::optional<IxmlTrackText::Place> IxmlTrackText::firstNumber(int32_t channelIndex) const
 {
-    const uint64_t key = listOf(Kind::ChannelIndex).firstFrom(channelKey(channelIndex, 0));
-    const Tag tag = static_cast<Tag>(key); // Of no key this is kNone.
-    if (tag == kNone || entries[tag].channelIndex != channelIndex)
-        return kNone;
-    return tag;
+    const auto found = numbers.lower_bound({ channelIndex, 0 });
+    if (found == numbers.end() || found->first != channelIndex)
+        return std::nullopt;
+    return Place{ found->second, parts[found->second].find(channelElement(channelIndex)) };
 }
 
-IxmlTrackText::Tag IxmlTrackText::lastInFrontOf(Tag tag, Kind kind)
+// Where the first of these tags begins, at `from` or behind it. May be nothing if that is `limit` bytes away.
+std::optional<IxmlTrackText::Place> IxmlTrackText::firstFrom(Place from, Content tag, size_t limit) const
 {
-    return static_cast<Tag>(listOf(kind).lastUpTo(tag));
-}
-
-IxmlTrackText::Tag IxmlTrackText::firstBehind(Tag tag, Kind kind)
-{
-    return static_cast<Tag>(listOf(kind).firstFrom(tag));
-}
-
-size_t IxmlTrackText::position(Tag tag) const
-{
-    int64_t shift = 0;
-    for (size_t node = tag; node > 0; node &= node - 1)
-        shift += growth[node];
-    return static_cast<size_t>(static_cast<int64_t>(entries[tag].offset) + shift);
-}
-
-IxmlTrackText::Tag IxmlTrackText::tagAt(size_t offset) const
-{
-    const auto found = std::lower_bound(entries.begin(), entries.end(), offset,
-        [](const Entry& entry, size_t wanted) { return entry.offset < wanted; });
-    return static_cast<Tag>(found - entries.begin());
-}
-
-void IxmlTrackText::addGrowth(Tag behind, int64_t bytes)
-{
-    for (size_t node = size_t{ behind } + 1; node < growth.size(); node += node & (~node + 1))
-        growth[node] += bytes;
-}
-
-void IxmlTrackText::removeBetween(Tag open, Tag close)
-{
-    for (uint64_t key = standing.firstFrom(uint64_t{ open } + 1); key < close; key = standing.firstFrom(key)) {
-        const Tag tag = static_cast<Tag>(key);
-        const Entry& entry = entries[tag];
-        standing.remove(tag);
-        listOf(entry.kind).remove(entry.kind == Kind::ChannelIndex ? channelKey(entry.channelIndex, tag) : tag);
+    size_t part = firstPartFrom(from.part, tag, limit);
+    if (part == from.part) {
+        const size_t offset = parts[part].find(kTags[tag], from.offset);
+        if (offset != std::string::npos)
+            return Place{ part, offset };
+        part = firstPartFrom(part + 1, tag, limit);
     }
-    edits.erase(edits.upper_bound(open), edits.lower_bound(close));
+    if (part == kNoPart)
+        return std::nullopt;
+    return Place{ part, parts[part].find(kTags[tag]) };
 }
 
-bool IxmlTrackText::replaceBetween(Tag open, Tag close, const std::string& value)
+// Where the last of these tags begins, at `from` or in front of it.
+std::optional<IxmlTrackText::Place> IxmlTrackText::lastUpTo(Place from, Content tag) const
 {
-    const size_t before = position(close) - position(open) - entries[open].length;
-    removeBetween(open, close);
-    addGrowth(open, static_cast<int64_t>(value.size()) - static_cast<int64_t>(before));
-    edits[open] = { close, value };
+    size_t part = lastPartUpTo(from.part, tag);
+    if (part == from.part) {
+        const size_t offset = parts[part].rfind(kTags[tag], from.offset);
+        if (offset != std::string::npos)
+            return Place{ part, offset };
+        part = part == 0 ? kNoPart : lastPartUpTo(part - 1, tag);
+    }
+    if (part == kNoPart)
+        return std::nullopt;
+    return Place{ part, parts[part].rfind(kTags[tag]) };
+}
 
-    Entry found;
-    if (!findTag(value, 0, found))
+// Bytes from one place to another, which must not stand in front of it.
+size_t IxmlTrackText::distance(Place from, Place to) const
+{
+    size_t bytes = to.offset; // From the start of `from.part` on.
+    for (size_t part = from.part; part < to.part;) {
+        const bool wholeBlock = part % kPerBlock == 0 && to.part - part >= kPerBlock;
+        bytes += wholeBlock ? blocks[part / kPerBlock].bytes : parts[part].size();
+        part += wholeBlock ? kPerBlock : 1;
+    }
+    return bytes - from.offset;
+}
+
+bool IxmlTrackText::setTrack(const BwfTrack& wanted)
+{
+    const auto number = firstNumber(wanted.channelIndex);
+    if (!number)
         return false;
-    text = edited();
-    buildIndex();
+    const auto track = lastUpTo(*number, TrackOpen);
+    const auto end = firstFrom(*number, TrackClose);
+    if (!track || !end)
+        return false;
+
+    // The limit is where the track ended before its name changed, also for the function: a name that grew narrows
+    // the range for FUNCTION by as many bytes, one that shrank widens it, past the end of the track if need be.
+    const size_t limit = distance(*track, *end);
+    const bool named = setElement(*track, NameOpen, limit, wanted.name);
+    const bool functioned = setElement(*track, FunctionOpen, limit, wanted.function);
+    return named || functioned;
+}
+
+// Replaces what the first element of a kind behind `track` says, if it begins less than `limit` bytes behind it.
+bool IxmlTrackText::setElement(Place track, Content openTag, size_t limit, const std::string& value)
+{
+    auto open = firstFrom(track, openTag, limit);
+    if (!open || distance(track, *open) >= limit)
+        return false;
+    const auto close = firstFrom(track, static_cast<Content>(openTag + 1));
+    if (!close || *close < *open) // Closed before it is opened: no bytes stand between that could be replaced.
+        return false;
+    open->offset += kTags[openTag].size();
+    replace(*open, *close, value);
     return true;
+}
+
+// Replaces the bytes from one place up to another, which stands behind it.
+void IxmlTrackText::replace(Place from, Place to, std::string_view value)
+{
+    for (size_t part = from.part; part <= to.part; part = firstPartFrom(part + 1, Bytes)) {
+        const bool first = part == from.part;
+        const size_t end = part == to.part ? to.offset : parts[part].size();
+        replaceInPart(part, first ? from.offset : 0, end, first ? value : std::string_view());
+    }
+}
+
+void IxmlTrackText::replaceInPart(size_t part, size_t begin, size_t end, std::string_view value)
+{
+    std::string& text = parts[part];
+    const std::string_view before = std::string_view(text).substr(begin, end - begin);
+    if (before.find('<') == std::string_view::npos && value.find('<') == std::string_view::npos) {
+        blocks[part / kPerBlock].bytes += value.size() - before.size(); // No tag comes or goes.
+        text.replace(begin, end - begin, value);
+        return;
+    }
+    forgetAll(part);
+    text.replace(begin, end - begin, value);
+    noteAll(part);
 }
 
 std::string IxmlTrackText::edited() const
 {
     std::string result;
-    size_t from = 0;
-    for (const auto& [open, edit] : edits) {
-        const size_t end = entries[open].offset + entries[open].length;
-        result.append(text, from, end - from).append(edit.value);
-        from = entries[edit.close].offset;
-    }
-    return result.append(text, from);
+    for (const std::string& part : parts)
+        result += part;
+    return result;
 }

@@ -86,6 +86,25 @@ constexpr std::array kNamedRates{
     NamedRate{ 60.0, 60.0, 60.0, "60", "60" },
 };
 
+// The whole part of `value`; 0 for a negative number or none at all, the greatest number for what lies beyond.
+uint64_t wholeOf(double value)
+{
+    if (!(value > 0.0))
+        return 0;
+    constexpr auto kGreatest = std::numeric_limits<uint64_t>::max();
+    // The limit itself is no double; the one next to it is 2^64, which no longer fits.
+    if (value >= std::ldexp(1.0, std::numeric_limits<uint64_t>::digits))
+        return kGreatest;
+    return static_cast<uint64_t>(value);
+}
+
+void appendTwoDigitsOf(std::string& text, uint64_t number)
+{
+    if (number < 10)
+        text += '0';
+    text += std::to_string(number);
+}
+
 // Three decimals at most, without trailing zeros; the same under every locale.
 std::string plainNumber(double value)
 {
@@ -195,4 +214,26 @@ Timecode Timecode::fromPlaybackPosition(
     const int64_t total = framesOfDay(std::round(start), day) + framesOfDay(std::floor(elapsed + kFrameEpsilon), day);
     // Neither part is ever negative, so the remainder isn't either.
     return fromFrames(total % day, nominal, drop);
+}
+
+std::string Timecode::cutStartText(uint64_t samples, uint32_t samplesPerSecond, double rate)
+{
+    if (samples == 0 || samplesPerSecond == 0 || !(rate > 0.0))
+        return {};
+
+    constexpr uint64_t kSecondsPerMinute = 60;
+    constexpr uint64_t kSecondsPerHour = 3600;
+    constexpr uint64_t kHoursPerDay = 24;
+    const double time = static_cast<double>(samples) / samplesPerSecond;
+    const uint64_t whole = wholeOf(time);
+    const double samplesPerFrame = samplesPerSecond / rate;
+    std::string text;
+    appendTwoDigitsOf(text, whole / kSecondsPerHour % kHoursPerDay);
+    text += ':';
+    appendTwoDigitsOf(text, whole % kSecondsPerHour / kSecondsPerMinute);
+    text += ':';
+    appendTwoDigitsOf(text, whole % kSecondsPerMinute);
+    text += ':';
+    appendTwoDigitsOf(text, wholeOf((time - static_cast<double>(whole)) * samplesPerSecond / samplesPerFrame));
+    return text;
 }

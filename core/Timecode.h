@@ -7,8 +7,8 @@
 /// A plain value; all operations are pure, never throw but for want of memory, and may be called from any thread.
 /// Every argument has a defined result: what no integer can hold is clamped, not cast.
 ///
-/// Two more formatters of start times stand in the window and in the report dialog. They cut where this one wraps
-/// and never count drop-frame, on purpose.
+/// `cutStartText`, for the window, and one more formatter of start times in the report dialog cut where the playback
+/// position wraps, and never count drop-frame, on purpose.
 struct Timecode {
     /// Hours; not wrapped at 24 by `fromFrames`, 0 to 23 out of `fromPlaybackPosition`.
     int32_t hours = 0;
@@ -55,4 +55,8 @@ struct Timecode {
     /// positive and finite. A position that is negative or not finite counts as 0.
     static Timecode fromPlaybackPosition(
         uint64_t timeReference, uint32_t sampleRate, double rate, bool dropFlag, double position);
+
+    /// HH:MM:SS:FF of a file's start, as the window shows it: hours wrap at 24, frames are cut, never rounded, and a
+    /// colon stands before them at every rate. Empty if `samples` or `samplesPerSecond` is 0 or `rate` isn't above 0.0.
+    static std::string cutStartText(uint64_t samples, uint32_t samplesPerSecond, double rate);
 };

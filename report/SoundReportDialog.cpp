@@ -1,10 +1,14 @@
 #include "report/SoundReportDialog.h"
 
 #include "app/settings/ConfigManager.h"
+#include "report/AleReport.h"
+#include "report/CsvReport.h"
+#include "report/ReportTexts.h"
+#include "report/SoundReportDocument.h"
+#include "report/TakeDetailsPane.h"
 
 #include <QDir>
 #include <QFileDialog>
-#include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -23,31 +27,8 @@
 
 namespace {
 
-constexpr int kCsvFormat = 1;
-constexpr int kAleFormat = 2;
 constexpr int kToastTop = 50; // Pixels below the dialog's upper edge.
 constexpr std::chrono::milliseconds kToastTime{ 2000 };
-
-const char* const kNoValue = "--";
-const char* const kNotAvailable = "N/A";
-
-struct ReportFormat {
-    const char* extension;
-    const char* filter;
-    const char* name;
-};
-
-ReportFormat reportFormat(int outputFormat)
-{
-    switch (outputFormat) {
-    case kAleFormat:
-        return { ".ale", "ALE Files (*.ale)", "ALE" };
-    case kCsvFormat:
-        return { ".csv", "CSV Files (*.csv)", "CSV" };
-    default:
-        return { ".pdf", "PDF Files (*.pdf)", "PDF" };
-    }
-}
 
 QString setting(const char* key)
 {
@@ -72,9 +53,30 @@ QString folderToStartIn()
     return place.roll.isEmpty() ? folder : QDir(folder).filePath(place.roll);
 }
 
-QString textOr(const QString& text, const char* fallback)
+// The folder to open by itself; empty if there is none.
+QString rememberedFolder()
 {
-    return text.isEmpty() ? QString::fromLatin1(fallback) : text;
+    const QString last = setting("lastRecording.folderPath");
+    if (!last.isEmpty() && QDir(last).exists())
+        return last;
+    const RecordingPlace place;
+    if (!place.isKnown())
+        return {};
+    QString folder = place.location + QLatin1Char('/') + place.project;
+    if (!place.roll.isEmpty())
+        folder += QLatin1Char('/') + place.roll;
+    return QDir(folder).exists() ? folder : QString();
+}
+
+// Nothing in the name is cleaned: a project with a "/" in it names a further folder.
+QString proposedName(const QString& project, const QString& roll, const char* extension)
+{
+    QString name;
+    for (const QString& part : { project, roll }) {
+        if (!part.isEmpty())
+            name += part + QLatin1Char('_');
+    }
+    return name + QLatin1String("SoundReport") + QLatin1String(extension);
 }
 
 // The dark sheet gives rows a ground and a text colour but no alternate ground, which would come light from the
@@ -86,13 +88,39 @@ void keepAlternateRowsDark(QTableWidget& table)
     table.setPalette(palette);
 }
 
+void showToast(QWidget& window, const QString& text)
+{
+    auto* toast = new QLabel(text, &window);
+    toast->setObjectName("toast");
+    toast->setStyleSheet(
+        QStringLiteral("QLabel { background-color: rgba(0, 150, 0, 200); color: white; padding: 12px 24px; "
+                       "border-radius: 6px; font-size: 14px; font-weight: bold; }"));
+    toast->setAlignment(Qt::AlignCenter);
+    toast->adjustSize();
+    toast->move((window.width() - toast->width()) / 2, kToastTop);
+    toast->show();
+    toast->raise();
+    QTimer::singleShot(kToastTime, Qt::CoarseTimer, toast, &QLabel::deleteLater);
+}
+
+void showBox(QWidget& window, const QString& title, const QString& text)
+{
+    QMessageBox box(&window);
+    box.setWindowTitle(title);
+    box.setText(text);
+    box.setIcon(QMessageBox::NoIcon);
+    box.exec();
+}
+
 } // namespace
 
 SoundReportDialog::SoundReportDialog(QWidget* parent) : QDialog(parent)
 {
     setupUI();
     loadProductionInfo();
-    openRememberedFolder();
+    const QString folder = rememberedFolder();
+    if (!folder.isEmpty())
+        openFolder(folder);
 }
 
 SoundReportDialog::SoundReportDialog(const QList<QString>& files, QWidget* parent) : QDialog(parent)
@@ -115,7 +143,8 @@ void SoundReportDialog::setupUI()
     mainLayout->addLayout(buildFolderRow());
     auto* middle = new QHBoxLayout;
     middle->addWidget(buildTakesGroup(), 2);
-    middle->addWidget(buildDetailsGroup(), 1);
+    detailsGroup = new TakeDetailsPane(this);
+    middle->addWidget(detailsGroup, 1);
     mainLayout->addLayout(middle, 1);
     mainLayout->addLayout(buildButtonRow());
     connectControls();
@@ -161,46 +190,6 @@ QGroupBox* SoundReportDialog::buildTakesGroup()
     return takesGroup;
 }
 
-QGroupBox* SoundReportDialog::buildDetailsGroup()
-{
-    detailsGroup = new QGroupBox(QStringLiteral("Take Details"), this);
-    detailsGroup->setObjectName("detailsGroup");
-    detailsGroup->setMaximumWidth(400);
-    detailsLayout = new QFormLayout(detailsGroup);
-    detailsLayout->setObjectName("detailsLayout");
-
-    struct Row {
-        const char* caption;
-        QLabel*& label;
-        const char* name;
-    };
-    const std::array<Row, 12> rows{ {
-        { "File Number:", fileNumberLabel, "fileNumberLabel" },
-        { "Filename:", filenameLabel, "filenameLabel" },
-        { "Scene:", sceneLabel, "sceneLabel" },
-        { "Take:", takeLabel, "takeLabel" },
-        { "Project:", projectLabel, "projectLabel" },
-        { "Sound Roll:", soundRollLabel, "soundRollLabel" },
-        { "Timecode In:", timecodeInLabel, "timecodeInLabel" },
-        { "Timecode Out:", timecodeOutLabel, "timecodeOutLabel" },
-        { "Duration:", durationLabel, "durationLabel" },
-        { "Tracks:", tracksLabel, "tracksLabel" },
-        { "Notes:", notesLabel, "notesLabel" },
-        { "File Date:", fileDateLabel, "fileDateLabel" },
-    } };
-    for (const Row& row : rows) {
-        row.label = new QLabel(QLatin1String(kNoValue), this);
-        row.label->setObjectName(row.name);
-        // A note may look like markup; it is shown as it stands in the file.
-        row.label->setTextFormat(Qt::PlainText);
-        detailsLayout->addRow(QLatin1String(row.caption), row.label);
-    }
-    // The two texts that outgrow the pane in practice: eight track names, a long note.
-    tracksLabel->setWordWrap(true);
-    notesLabel->setWordWrap(true);
-    return detailsGroup;
-}
-
 QHBoxLayout* SoundReportDialog::buildButtonRow()
 {
     configureButton = new QPushButton(QStringLiteral("Configure..."), this);
@@ -229,37 +218,55 @@ void SoundReportDialog::connectControls()
     connect(closeButton, &QPushButton::clicked, this, &SoundReportDialog::accept);
 }
 
-void SoundReportDialog::openRememberedFolder()
+void SoundReportDialog::setFiles(const QList<QString>& paths)
 {
-    const QString last = setting("lastRecording.folderPath");
-    if (!last.isEmpty() && QDir(last).exists()) {
-        openFolder(last);
-        return;
+    const QList<QFileInfo> files = filesAmong(paths);
+    folderLabel->setText(QStringLiteral("Source:"));
+    folderEdit->setText(QStringLiteral("%1 file%2 from the file list")
+                            .arg(files.size())
+                            .arg(QLatin1String(files.size() == 1 ? "" : "s")));
+    selectFolderButton->hide();
+    if (!files.isEmpty())
+        folderPath = files.first().absolutePath();
+    loadTakesFromFiles(files);
+    soundRoll = soundRollOf(takes, files);
+    updateTakeList();
+    enableCreateButton();
+}
+
+void SoundReportDialog::scanWavFiles(const QString& folder)
+{
+    soundRoll = QDir(folder).dirName();
+    loadTakesFromFiles(wavFilesIn(folder));
+}
+
+void SoundReportDialog::loadTakesFromFiles(const QList<QFileInfo>& files)
+{
+    takes = readTakes(files);
+}
+
+void SoundReportDialog::updateTakeList()
+{
+    takeTable->setRowCount(0);
+    takeTable->setRowCount(static_cast<int>(takes.size()));
+    int row = 0;
+    for (const TakeInfo& take : takes) {
+        const std::array<QString, 6> cells{ QString::fromStdString(take.fileNumber), QString::fromStdString(take.scene),
+            QString::fromStdString(take.take), QString::fromStdString(take.project),
+            QString::fromStdString(take.soundRoll), reportDuration(take) };
+        int column = 0;
+        for (const QString& cell : cells)
+            takeTable->setItem(row, column++, new QTableWidgetItem(cell));
+        ++row;
     }
-    const RecordingPlace place;
-    if (!place.isKnown())
-        return;
-    QString folder = place.location + QLatin1Char('/') + place.project;
-    if (!place.roll.isEmpty())
-        folder += QLatin1Char('/') + place.roll;
-    if (QDir(folder).exists())
-        openFolder(folder);
+    takeTable->resizeColumnsToContents();
 }
 
 void SoundReportDialog::openFolder(const QString& folder)
 {
     folderPath = folder;
     folderEdit->setText(folder);
-    reloadFolder();
-}
-
-void SoundReportDialog::reloadFolder()
-{
-    if (folderPath.isEmpty())
-        return;
-    scanWavFiles(folderPath);
-    updateTakeList();
-    enableCreateButton();
+    onScanFolder();
 }
 
 void SoundReportDialog::enableCreateButton()
@@ -281,47 +288,60 @@ void SoundReportDialog::onSelectFolder()
 
 void SoundReportDialog::onScanFolder()
 {
-    reloadFolder();
+    if (folderPath.isEmpty())
+        return;
+    scanWavFiles(folderPath);
+    updateTakeList();
+    enableCreateButton();
 }
 
 void SoundReportDialog::onTakeSelectionChanged()
 {
     const int row = takeTable->currentRow();
-    if (row < 0 || static_cast<size_t>(row) >= takes.size()) {
-        for (QLabel* label : { fileNumberLabel, filenameLabel, sceneLabel, takeLabel, projectLabel, soundRollLabel,
-                 timecodeInLabel, timecodeOutLabel, durationLabel, tracksLabel, notesLabel, fileDateLabel })
-            label->setText(QLatin1String(kNoValue));
-        return;
-    }
-    const TakeInfo& take = takes[static_cast<size_t>(row)];
-    fileNumberLabel->setText(QString::fromStdString(take.fileNumber));
-    filenameLabel->setText(QString::fromStdString(take.filename));
-    sceneLabel->setText(QString::fromStdString(take.scene));
-    takeLabel->setText(QString::fromStdString(take.take));
-    projectLabel->setText(QString::fromStdString(take.project));
-    soundRollLabel->setText(QString::fromStdString(take.soundRoll));
-    timecodeInLabel->setText(QString::fromStdString(take.timecodeIn));
-    timecodeOutLabel->setText(QString::fromStdString(take.timecodeOut));
-    durationLabel->setText(formatDuration(take.duration, take.frameRate));
-    tracksLabel->setText(take.tracks.empty() ? QLatin1String(kNotAvailable) : joinedTracks(take, QStringLiteral(", ")));
-    notesLabel->setText(textOr(QString::fromStdString(take.notes), kNotAvailable));
-    fileDateLabel->setText(take.fileDate.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")));
+    if (row < 0 || static_cast<size_t>(row) >= takes.size())
+        detailsGroup->showNoTake();
+    else
+        detailsGroup->showTake(takes[static_cast<size_t>(row)]);
 }
 
-// Nothing in the name is cleaned: a project with a "/" in it names a further folder.
-QString SoundReportDialog::defaultReportName(const QString& extension) const
+QString SoundReportDialog::formatTimecode(unsigned long long samples, unsigned int sampleRate, double frameRate)
 {
-    QString name;
-    for (const QString& part : { QString::fromStdString(takes.front().project), soundRoll }) {
-        if (!part.isEmpty())
-            name += part + QLatin1Char('_');
-    }
-    return name + QLatin1String("SoundReport") + extension;
+    return reportTimecode(samples, sampleRate, frameRate);
+}
+
+QString SoundReportDialog::formatDuration(double seconds, double frameRate)
+{
+    return reportDuration(seconds, frameRate);
+}
+
+QString SoundReportDialog::formatFramerate(double frameRate)
+{
+    return reportFrameRate(frameRate);
+}
+
+QString SoundReportDialog::escapeCSV(const QString& value)
+{
+    return csvField(value);
+}
+
+bool SoundReportDialog::generateCsvReport(const QString& filePath)
+{
+    return writeCsvReport(filePath, takes);
+}
+
+bool SoundReportDialog::generateAleReport(const QString& filePath)
+{
+    return writeAleReport(filePath, takes);
+}
+
+bool SoundReportDialog::generatePdfReport(const QString& filePath)
+{
+    return writePdfReport(filePath, takes, settings, soundRoll);
 }
 
 bool SoundReportDialog::generateReport(const QString& filePath)
 {
-    switch (outputFormat) {
+    switch (settings.outputFormat) {
     case kAleFormat:
         return generateAleReport(filePath);
     case kCsvFormat:
@@ -334,11 +354,12 @@ bool SoundReportDialog::generateReport(const QString& filePath)
 void SoundReportDialog::onCreateReport()
 {
     if (takes.empty()) {
-        showBox(QStringLiteral("No Takes"), QStringLiteral("Please scan a folder with WAV files first."));
+        showBox(*this, QStringLiteral("No Takes"), QStringLiteral("Please scan a folder with WAV files first."));
         return;
     }
-    const ReportFormat format = reportFormat(outputFormat);
-    const QString proposal = folderPath + QLatin1Char('/') + defaultReportName(QLatin1String(format.extension));
+    const ReportFormat& format = reportFormat(settings.outputFormat);
+    const QString project = QString::fromStdString(takes.front().project);
+    const QString proposal = folderPath + QLatin1Char('/') + proposedName(project, soundRoll, format.extension);
     QFileDialog chooser(nullptr, QStringLiteral("Save Sound Report"), proposal, QLatin1String(format.filter));
     chooser.setAcceptMode(QFileDialog::AcceptSave);
     chooser.setFileMode(QFileDialog::AnyFile);
@@ -351,31 +372,8 @@ void SoundReportDialog::onCreateReport()
 
     const QString formatName = QLatin1String(format.name);
     if (generateReport(chosen.first()))
-        showToast(formatName + QLatin1String(" report generated successfully!"));
+        showToast(*this, formatName + QLatin1String(" report generated successfully!"));
     else
-        showBox(QStringLiteral("Error"), QLatin1String("Failed to generate ") + formatName + QLatin1String(" report."));
-}
-
-void SoundReportDialog::showToast(const QString& text)
-{
-    auto* toast = new QLabel(text, this);
-    toast->setObjectName("toast");
-    toast->setStyleSheet(
-        QStringLiteral("QLabel { background-color: rgba(0, 150, 0, 200); color: white; padding: 12px 24px; "
-                       "border-radius: 6px; font-size: 14px; font-weight: bold; }"));
-    toast->setAlignment(Qt::AlignCenter);
-    toast->adjustSize();
-    toast->move((width() - toast->width()) / 2, kToastTop);
-    toast->show();
-    toast->raise();
-    QTimer::singleShot(kToastTime, Qt::CoarseTimer, toast, &QLabel::deleteLater);
-}
-
-void SoundReportDialog::showBox(const QString& title, const QString& text)
-{
-    QMessageBox box(this);
-    box.setWindowTitle(title);
-    box.setText(text);
-    box.setIcon(QMessageBox::NoIcon);
-    box.exec();
+        showBox(*this, QStringLiteral("Error"),
+            QLatin1String("Failed to generate ") + formatName + QLatin1String(" report."));
 }

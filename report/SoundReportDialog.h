@@ -1,16 +1,15 @@
 #pragma once
 
+#include "report/ReportSettings.h"
 #include "report/TakeInfo.h"
 
 #include <QDialog>
 #include <QList>
 #include <QString>
 
-#include <string>
 #include <vector>
 
 class QFileInfo;
-class QFormLayout;
 class QGroupBox;
 class QHBoxLayout;
 class QLabel;
@@ -18,12 +17,14 @@ class QLineEdit;
 class QPushButton;
 class QTableWidget;
 class QVBoxLayout;
+class TakeDetailsPane;
 
 /// The modal window that lists the takes of a sound roll and writes them as a PDF, CSV or ALE report.
 ///
 /// It is in one of two source modes for its whole life, chosen by the constructor: in folder mode the user picks the
 /// folder, in file-list mode the files are given. It reads the files by itself and shares nothing with its opener but
-/// the settings.
+/// the settings. What it writes comes from the free functions of CsvReport.h, AleReport.h and SoundReportDocument.h;
+/// the operations with their names here only hand over its takes.
 ///
 /// Invariant: row i of `takeTable` shows `takes[i]`; the table can't be sorted.
 /// Thread: main thread only. Reading a roll and writing a report block it.
@@ -48,17 +49,15 @@ public:
     /// Rebuilds the table from the takes. No row is current afterwards.
     void updateTakeList();
 
-    /// `samples` counted at `sampleRate` as HH:MM:SS:FF; "--:--:--:--" if one of the rates is 0. Hours go on past 23,
-    /// frames are the truncated fraction of the second times `frameRate`, without drop-frame counting.
-    /// The window's function of this name wraps at 24 hours and gives an empty text for a count of 0:
-    /// MetadataManagerWindow::formatTimecode.
+    // The texts of report/ReportTexts.h, under the names that they have here.
+    /// `reportTimecode`: "--:--:--:--" if one of the rates is 0, hours that go on past 23.
     static QString formatTimecode(unsigned long long samples, unsigned int sampleRate, double frameRate);
-    /// `seconds` as HH:MM:SS:FF, at 30 frames per second unless `frameRate` is above 0. Has no failure text.
-    /// The window's function of this name has no frames and shows a dash for 0: MetadataManagerWindow::formatDuration.
+    /// `reportDuration`: HH:MM:SS:FF, at 30 frames per second unless `frameRate` is above 0.
     static QString formatDuration(double seconds, double frameRate);
-    /// A rate such as "25nd-C" or "29.97df-C"; empty if the rate is 0 or less. The suffix follows the rate alone,
-    /// not a file's drop-frame flag.
+    /// `reportFrameRate`: such as "25nd-C"; empty if the rate is 0 or less.
     static QString formatFramerate(double frameRate);
+    /// `csvField`: `value` in quotes where a comma, a double quote or a line end asks for it.
+    static QString escapeCSV(const QString& value);
 
     /// Takes the production details and the format over from the settings, unchecked.
     void loadProductionInfo();
@@ -68,8 +67,6 @@ public:
     /// Writes the takes as comma-separated UTF-8 text. False if the file can't be opened for writing; errors while
     /// writing are not looked at.
     bool generateCsvReport(const QString& filePath);
-    /// `value` as a CSV field: quoted if it holds a comma, a double quote, a line feed or a carriage return.
-    static QString escapeCSV(const QString& value);
     /// Writes the takes as an Avid Log Exchange file. False if the file can't be opened for writing; errors while
     /// writing are not looked at.
     bool generateAleReport(const QString& filePath);
@@ -93,18 +90,12 @@ private:
     void setupUI();
     QHBoxLayout* buildFolderRow();
     QGroupBox* buildTakesGroup();
-    QGroupBox* buildDetailsGroup();
     QHBoxLayout* buildButtonRow();
     void connectControls();
 
-    void openRememberedFolder();
     void openFolder(const QString& folder);
-    void reloadFolder();
     void enableCreateButton();
-    QString defaultReportName(const QString& extension) const;
     bool generateReport(const QString& filePath);
-    void showToast(const QString& text);
-    void showBox(const QString& title, const QString& text);
 
     QVBoxLayout* mainLayout = nullptr;
     QHBoxLayout* folderLayout = nullptr;
@@ -113,20 +104,7 @@ private:
     QPushButton* selectFolderButton = nullptr;
     QGroupBox* takesGroup = nullptr;
     QTableWidget* takeTable = nullptr;
-    QGroupBox* detailsGroup = nullptr;
-    QFormLayout* detailsLayout = nullptr;
-    QLabel* fileNumberLabel = nullptr;
-    QLabel* filenameLabel = nullptr;
-    QLabel* sceneLabel = nullptr;
-    QLabel* takeLabel = nullptr;
-    QLabel* projectLabel = nullptr;
-    QLabel* soundRollLabel = nullptr;
-    QLabel* timecodeInLabel = nullptr;
-    QLabel* timecodeOutLabel = nullptr;
-    QLabel* durationLabel = nullptr;
-    QLabel* tracksLabel = nullptr;
-    QLabel* notesLabel = nullptr;
-    QLabel* fileDateLabel = nullptr;
+    TakeDetailsPane* detailsGroup = nullptr;
     QHBoxLayout* buttonLayout = nullptr;
     QPushButton* configureButton = nullptr;
     QPushButton* createReportButton = nullptr;
@@ -137,14 +115,6 @@ private:
     /// The roll's name in the report and in the default file name.
     QString soundRoll;
     std::vector<TakeInfo> takes;
-
-    std::string productionCompany;
-    std::string projectName;
-    std::string director;
-    std::string soundMixer;
-    std::string mixerPhone;
-    std::string mixerEmail;
-    std::string companyLogoPath;
-    /// 0 PDF, 1 CSV, 2 ALE; any other value counts as PDF.
-    int outputFormat = 0;
+    /// The production details and the format.
+    ReportSettings settings;
 };

@@ -14,16 +14,13 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <array>
 
 namespace {
 
 constexpr int kPreviewWidth = 150; // Pixels.
 constexpr int kPreviewHeight = 75;
-const char* const kFormatKey = "soundreport.outputFormat";
-
-// Item i stands for output format i.
-constexpr std::array<const char*, 3> kFormatTitles{ "PDF (Sound Report)", "CSV", "ALE (Avid Log Exchange)" };
 
 QString noLogo()
 {
@@ -39,11 +36,10 @@ void showPicture(QLabel& preview, const QString& path)
         preview.setPixmap(picture.scaled(kPreviewWidth, kPreviewHeight, Qt::KeepAspectRatio, Qt::SmoothTransformation));
 }
 
-QLineEdit* addTextRow(QFormLayout& form, const char* caption, const char* name, const std::string& value)
+QLineEdit* makeEdit(const ReportField& field, const ReportSettings& settings)
 {
-    auto* edit = new QLineEdit(QString::fromStdString(value));
-    edit->setObjectName(name);
-    form.addRow(QLatin1String(caption), edit);
+    auto* edit = new QLineEdit(QString::fromStdString(settings.*field.value));
+    edit->setObjectName(field.editName);
     return edit;
 }
 
@@ -52,8 +48,8 @@ QComboBox* addFormatRow(QFormLayout& form, int format)
     auto* combo = new QComboBox;
     combo->setObjectName("outputFormatCombo");
     int value = 0;
-    for (const char* title : kFormatTitles)
-        combo->addItem(QLatin1String(title), value++);
+    for (const ReportFormat& each : kReportFormats)
+        combo->addItem(QLatin1String(each.title), value++);
     combo->setCurrentIndex(format);
     form.addRow(QStringLiteral("Output Format:"), combo);
     return combo;
@@ -89,10 +85,8 @@ void browseForLogo(const QString& storedPath, QLineEdit& logoEdit, QLabel& previ
     showPicture(preview, chosen.first());
 }
 
-QLineEdit* addLogoRows(QFormLayout& form, const QString& storedPath)
+void addLogoRows(QFormLayout& form, const char* title, QLineEdit* logoEdit, const QString& storedPath)
 {
-    auto* logoEdit = new QLineEdit(storedPath);
-    logoEdit->setObjectName("companyLogoEdit");
     logoEdit->setReadOnly(true);
     logoEdit->setPlaceholderText(QStringLiteral("No logo selected"));
     auto* browse = new QPushButton(QStringLiteral("Browse..."));
@@ -105,7 +99,7 @@ QLineEdit* addLogoRows(QFormLayout& form, const QString& storedPath)
     row->addWidget(logoEdit, 1);
     row->addWidget(browse);
     row->addWidget(clear);
-    auto* caption = new QLabel(QStringLiteral("Company Logo:"));
+    auto* caption = new QLabel(QLatin1String(title));
     caption->setBuddy(logoEdit);
     form.addRow(caption, row);
     form.addRow(QString(), preview);
@@ -117,7 +111,6 @@ QLineEdit* addLogoRows(QFormLayout& form, const QString& storedPath)
         preview->clear();
         preview->setText(noLogo());
     });
-    return logoEdit;
 }
 
 QHBoxLayout* makeButtonRow(QDialog& dialog)
@@ -142,30 +135,15 @@ QHBoxLayout* makeButtonRow(QDialog& dialog)
 
 void SoundReportDialog::loadProductionInfo()
 {
-    const ConfigManager& settings = ConfigManager::getInstance();
-    productionCompany = settings.getString("soundreport.productionCompany", "");
-    projectName = settings.getString("soundreport.projectName", "");
-    director = settings.getString("soundreport.director", "");
-    soundMixer = settings.getString("soundreport.soundMixer", "");
-    mixerPhone = settings.getString("soundreport.mixerPhone", "");
-    mixerEmail = settings.getString("soundreport.mixerEmail", "");
-    companyLogoPath = settings.getString("soundreport.companyLogoPath", "");
-    outputFormat = settings.getInt(kFormatKey, 0);
+    settings = loadReportSettings(ConfigManager::getInstance());
 }
 
 void SoundReportDialog::saveProductionInfo()
 {
-    ConfigManager& settings = ConfigManager::getInstance();
-    settings.setString("soundreport.productionCompany", productionCompany);
-    settings.setString("soundreport.projectName", projectName);
-    settings.setString("soundreport.director", director);
-    settings.setString("soundreport.soundMixer", soundMixer);
-    settings.setString("soundreport.mixerPhone", mixerPhone);
-    settings.setString("soundreport.mixerEmail", mixerEmail);
-    settings.setString("soundreport.companyLogoPath", companyLogoPath);
-    settings.setInt(kFormatKey, outputFormat);
+    ConfigManager& config = ConfigManager::getInstance();
+    storeReportSettings(settings, config);
     // A failed save stays without a word: the values hold for this run, and the next change tries again.
-    (void)settings.saveConfig("");
+    (void)config.saveConfig("");
 }
 
 void SoundReportDialog::onConfigure()
@@ -178,31 +156,19 @@ void SoundReportDialog::onConfigure()
     auto* form = new QFormLayout;
     layout->addLayout(form);
 
-    struct TextRow {
-        const char* caption;
-        const char* name;
-        std::string& value;
-        QLineEdit* edit;
-    };
-    std::array<TextRow, 6> rows{ {
-        { "Production Company:", "productionCompanyEdit", productionCompany, nullptr },
-        { "Project/Show Name:", "projectNameEdit", projectName, nullptr },
-        { "Director:", "directorEdit", director, nullptr },
-        { "Sound Mixer:", "soundMixerEdit", soundMixer, nullptr },
-        { "Mixer Phone:", "mixerPhoneEdit", mixerPhone, nullptr },
-        { "Mixer Email:", "mixerEmailEdit", mixerEmail, nullptr },
-    } };
-    for (TextRow& row : rows)
-        row.edit = addTextRow(*form, row.caption, row.name, row.value);
-    QComboBox* formatCombo = addFormatRow(*form, outputFormat);
-    QLineEdit* logoEdit = addLogoRows(*form, QString::fromStdString(companyLogoPath));
+    std::array<QLineEdit*, kReportFields.size()> edits{};
+    std::transform(kReportFields.begin(), kReportFields.end(), edits.begin(),
+        [this](const ReportField& field) { return makeEdit(field, settings); });
+    for (size_t i = 0; i + 1 < edits.size(); ++i)
+        form->addRow(QLatin1String(kReportFields[i].caption), edits[i]);
+    QComboBox* formatCombo = addFormatRow(*form, settings.outputFormat);
+    addLogoRows(*form, kReportFields.back().caption, edits.back(), QString::fromStdString(settings.companyLogoPath));
     layout->addLayout(makeButtonRow(dialog));
 
     if (dialog.exec() != QDialog::Accepted)
         return;
-    for (const TextRow& row : rows)
-        row.value = row.edit->text().toStdString();
-    companyLogoPath = logoEdit->text().toStdString();
-    outputFormat = formatCombo->currentIndex();
+    for (size_t i = 0; i < edits.size(); ++i)
+        settings.*kReportFields[i].value = edits[i]->text().toStdString();
+    settings.outputFormat = formatCombo->currentIndex();
     saveProductionInfo();
 }

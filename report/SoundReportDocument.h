@@ -6,11 +6,11 @@
 #include <QString>
 
 #include <cstdint>
-#include <string>
 #include <vector>
 
 class QPrinter;
 class QTextDocument;
+struct ReportSettings;
 
 /// What the PDF report says once about the whole roll.
 struct RollSummary {
@@ -29,23 +29,18 @@ struct RollSummary {
 /// Walks the takes in list order.
 RollSummary summarizeRoll(const std::vector<TakeInfo>& takes);
 
-/// The configured details that the PDF report prints; each may be empty. Texts are UTF-8.
-struct ReportDetails {
-    std::string projectName = {};
-    std::string director = {};
-    std::string soundMixer = {};
-    std::string mixerPhone = {};
-    std::string mixerEmail = {};
-    /// Picture file for the title; one that can't be read is left out.
-    std::string companyLogoPath = {};
-    QString soundRoll = {};
-};
-
-/// Fills an empty document with the title, the block of details and the table of takes.
-void composeSoundReport(QTextDocument& document, const std::vector<TakeInfo>& takes, const ReportDetails& details);
+/// Fills an empty document with the title, the block of details and the table of takes. Of the settings all texts but
+/// the production company are shown, the format is not looked at. Needs an application object with fonts.
+void composeSoundReport(QTextDocument& document, const std::vector<TakeInfo>& takes, const ReportSettings& settings,
+    const QString& soundRoll);
 
 /// Makes a printer write a PDF to `filePath`: A4, margins of half an inch, 300 dots per inch. Prints nothing yet.
 void setUpPage(QPrinter& printer, const QString& filePath);
 
 /// Prints to an A4 PDF, replacing what stood there. Nothing happens if the path can't be written.
 void printToPdf(const QTextDocument& document, const QString& filePath);
+
+/// Composes and prints in one. False if there are no takes, and nothing is written then; true otherwise, even if the
+/// path can't be written.
+bool writePdfReport(
+    const QString& path, const std::vector<TakeInfo>& takes, const ReportSettings& settings, const QString& soundRoll);

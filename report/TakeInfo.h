@@ -53,13 +53,18 @@ struct TakeInfo {
     bool isPoly = false;
 };
 
+/// Those of `paths` that are files now, in their order; others are dropped without a word.
+QList<QFileInfo> filesAmong(const QList<QString>& paths);
+
+/// The WAV files, suffix in any case, that lie directly in `folder`, by name. Hidden ones are passed over. Unlike the
+/// walk of app/files/FolderWalk.h it enters no folder below: a roll is one folder. Empty if `folder` can't be read.
+QList<QFileInfo> wavFilesIn(const QString& folder);
+
 /// Reads each file, in the order given, and returns the takes sorted by file number, scene and take, each compared by
 /// its bytes; ties come in no defined order. A file that can't be parsed gives a take of empty texts and zeros; a file
 /// that vanished, or for which anything else throws, gives none. Reads synchronously.
 std::vector<TakeInfo> readTakes(const QList<QFileInfo>& files);
 
-/// The track names with `separator` between them; empty when there are none.
-QString joinedTracks(const TakeInfo& take, const QString& separator);
-
-/// The file's name less a final ".wav" in any case.
-QString nameWithoutWav(const TakeInfo& take);
+/// The roll's name for a report over `files`, out of which the sorted `takes` were read: the first tape name of a
+/// take, else the name of the first file's folder. Empty if there are neither.
+QString soundRollOf(const std::vector<TakeInfo>& takes, const QList<QFileInfo>& files);

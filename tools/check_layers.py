@@ -29,11 +29,15 @@ LAYERS = (
           ("window", "report", "mixer", "app/files", "app/look", "app/settings", "audio", "core",
            "system"), "Widgets",
           "`main`, `TagwellApplication`, `MainMenu`: the program and nothing else"),
+    Layer("cli", ("tagwell_commands", "tagwell-cli"), ("report", "app/files", "app/settings", "core"), "Core",
+          "`tagwell-cli`, the program without a window: one source a command"),
     Layer("window", ("tagwell_window",),
           ("report", "mixer", "app/files", "app/look", "app/settings", "core"), "Widgets",
           "`MetadataManagerWindow` and what it is made of"),
-    Layer("report", ("tagwell_report",), ("app/files", "app/look", "app/settings", "core", "system"), "Widgets, PrintSupport",
-          "takes, their texts, the three report writers, `SoundReportDialog`"),
+    Layer("report", ("tagwell_takes", "tagwell_report"), ("app/files", "app/look", "app/settings", "core", "system"),
+          "Widgets, PrintSupport",
+          "takes, their texts, CSV, ALE and the settings' table with Qt Core alone; above it the printed sheet and "
+          "`SoundReportDialog`"),
     Layer("mixer", ("tagwell_mixer",), ("audio", "app/look", "core"), "Widgets",
           "`FilePlaybackMixerDialog`, `FaderSlider`, `MeterWidget`, `WaveformWidget`"),
     Layer("app/files", ("tagwell_walk", "tagwell_files"), ("app/look",), "Widgets",
@@ -51,7 +55,7 @@ DOCUMENT = "docs/architecture.md"
 PICTURE = "docs/pictures/layers.svg"
 # Where the picture has each folder: column and row of a grid, chosen so that no arrow runs through a box.
 PLACES = {
-    "app": (3, 0), "window": (3, 1), "mixer": (2, 2), "report": (4, 2),
+    "app": (3, 0), "window": (3, 1), "cli": (5, 1), "mixer": (2, 2), "report": (4, 2),
     "audio": (0, 3), "core": (2, 3), "app/files": (4, 3), "app/settings": (6, 3), "app/look": (4, 4), "system": (2, 4),
 }
 BEGIN, END = "<!-- layers -->", "<!-- end of layers -->"

@@ -1,6 +1,7 @@
 #include "window/MetadataTexts.h"
 
 #include "core/BwfMetadata.h"
+#include "core/Timecode.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -13,7 +14,6 @@ namespace {
 
 constexpr uint64_t kSecondsPerMinute = 60;
 constexpr uint64_t kSecondsPerHour = 3600;
-constexpr uint64_t kHoursPerDay = 24;
 constexpr double kUnitStep = 1024.0;
 constexpr std::array kSizeUnits{ "B", "KB", "MB", "GB", "TB" };
 
@@ -69,18 +69,7 @@ QString fileSizeText(uint64_t bytes)
 
 QString timecodeText(uint64_t samples, uint32_t sampleRate, double frameRate)
 {
-    if (samples == 0 || sampleRate == 0 || !(frameRate > 0.0))
-        return {};
-
-    const double time = static_cast<double>(samples) / sampleRate;
-    const uint64_t whole = wholeOf(time);
-    const uint64_t hours = whole / kSecondsPerHour % kHoursPerDay;
-    const uint64_t minutes = whole % kSecondsPerHour / kSecondsPerMinute;
-    const uint64_t seconds = whole % kSecondsPerMinute;
-    const double samplesPerFrame = sampleRate / frameRate;
-    const uint64_t frames = wholeOf((time - static_cast<double>(whole)) * sampleRate / samplesPerFrame);
-    // A colon stands before the frames at every rate, drop-frame ones included.
-    return twoDigits(hours) + u':' + twoDigits(minutes) + u':' + twoDigits(seconds) + u':' + twoDigits(frames);
+    return QString::fromStdString(Timecode::cutStartText(samples, sampleRate, frameRate));
 }
 
 QString durationText(double seconds)

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -24,7 +25,12 @@ struct Entry {
 /// The exception is a pair of folders whose names differ in case only: what they hold interleaves.
 class Walk {
 public:
+    /// `rootPath` stands in front of all folders and files, and ends in "/" unless it is empty.
+    explicit Walk(std::string rootPath = {}) : root(std::move(rootPath)) { }
+
     QStringList files;
+    std::vector<std::string> unreadable;
+    std::vector<std::string> unnamed;
     bool needsFullSort = false;
 
     void visit(const QString& folder)
@@ -43,10 +49,12 @@ private:
     {
         std::vector<Entry> entries;
         std::error_code error;
-        const fs::path path(QFile::encodeName(folder).toStdString());
-        fs::directory_iterator each(path, fs::directory_options::skip_permission_denied, error);
+        const fs::path path(root + QFile::encodeName(folder).toStdString());
+        fs::directory_iterator each(path, error);
         for (; !error && each != fs::directory_iterator(); each.increment(error))
             addEntry(entries, *each);
+        if (error)
+            unreadable.push_back(path.string());
         std::sort(entries.begin(), entries.end(),
             [](const Entry& a, const Entry& b) { return a.name.compare(b.name, Qt::CaseInsensitive) < 0; });
         needsFullSort = needsFullSort
@@ -59,20 +67,24 @@ private:
         return a.isFolder && b.isFolder && a.name.compare(b.name, Qt::CaseInsensitive) == 0;
     }
 
-    static void addEntry(std::vector<Entry>& entries, const fs::directory_entry& entry)
+    void addEntry(std::vector<Entry>& entries, const fs::directory_entry& entry)
     {
         const std::string& path = entry.path().native();
         const std::string_view bytes = std::string_view(path).substr(path.rfind('/') + 1);
         const QByteArrayView name(bytes.data(), static_cast<qsizetype>(bytes.size()));
-        if (name.startsWith('.') || !name.isValidUtf8())
+        if (name.startsWith('.'))
             return;
 
         std::error_code error;
-        if (isWavName(bytes)) {
-            if (entry.is_regular_file(error))
-                entries.push_back({ QString::fromUtf8(name), false });
+        const bool isFile = isWavName(bytes) && entry.is_regular_file(error);
+        const bool isFolder = !isFile && !entry.is_symlink(error) && entry.is_directory(error);
+        if ((isFile || isFolder) && !name.isValidUtf8()) {
+            unnamed.push_back(path);
+            return;
         }
-        if (!entry.is_symlink(error) && entry.is_directory(error))
+        if (isFile)
+            entries.push_back({ QString::fromUtf8(name), false });
+        if (isFolder)
             entries.push_back({ QString::fromUtf8(name) + u'/', true });
     }
 
@@ -87,6 +99,8 @@ private:
             return (upper ? static_cast<char>(byte - 'A' + 'a') : byte) == wanted;
         });
     }
+
+    std::string root;
 };
 
 } // namespace
@@ -101,4 +115,21 @@ QStringList wavFilesUnder(const QString& dir)
     if (walk.needsFullSort)
         walk.files.sort(Qt::CaseInsensitive);
     return walk.files;
+}
+
+// What stands in front is the same for all, so the order of the rest is the order of the whole paths.
+FolderWalkResult walkFolder(const std::string& dir)
+{
+    if (dir.empty())
+        return {};
+    const std::string root = dir.ends_with('/') ? dir : dir + '/';
+    Walk walk(root);
+    walk.visit({});
+    if (walk.needsFullSort)
+        walk.files.sort(Qt::CaseInsensitive);
+    FolderWalkResult result{ {}, std::move(walk.unreadable), std::move(walk.unnamed) };
+    result.files.reserve(static_cast<std::size_t>(walk.files.size()));
+    for (const QString& file : walk.files)
+        result.files.push_back(root + QFile::encodeName(file).toStdString());
+    return result;
 }

@@ -6,6 +6,7 @@
 
 #include "core/BwfMetadata.h"
 #include "core/BwfMetadataReader.h"
+#include "report/ReportSettings.h"
 #include "report/SoundReportDialog.h"
 #include "report/SoundReportDocument.h"
 #include "tests/support/TempFolder.h"
@@ -160,7 +161,7 @@ void reportPdf(benchmark::State& state)
     const std::vector<TakeInfo> takes = madeTakes(kPdfTakes);
     for (auto _ : state) {
         QTextDocument document;
-        composeSoundReport(document, takes, {});
+        composeSoundReport(document, takes, {}, {});
         printToPdf(document, QString::fromStdString(folder.file("report.pdf")));
     }
 }
@@ -170,7 +171,7 @@ void composeTakes(benchmark::State& state)
     const std::vector<TakeInfo> takes = madeTakes(static_cast<int>(state.range(0)));
     for (auto _ : state) {
         QTextDocument document;
-        composeSoundReport(document, takes, {});
+        composeSoundReport(document, takes, {}, {});
         benchmark::DoNotOptimize(document.characterCount());
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
@@ -182,7 +183,7 @@ void printTakes(benchmark::State& state)
     const std::vector<TakeInfo> takes = madeTakes(static_cast<int>(state.range(0)));
     for (auto _ : state) {
         QTextDocument document;
-        composeSoundReport(document, takes, {});
+        composeSoundReport(document, takes, {}, {});
         printToPdf(document, QString::fromStdString(folder.file("report.pdf")));
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));

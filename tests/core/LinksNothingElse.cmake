@@ -1,13 +1,20 @@
-# cmake -D READELF=... -D PROGRAM=... -P LinksNothingElse.cmake
-# Fails if the program needs a library beyond those of the language and the sanitizers.
+# cmake -D READELF=... -D PROGRAM=... [-D ALSO=libQt6Core] -P LinksNothingElse.cmake
+# Fails if the program needs a library beyond those of the language and the sanitizers, and the one that is named.
+set(allowed "libstdc\\+\\+|libc\\+\\+|libgcc_s|libm|libc|libpthread|ld-linux[^.]*|libasan|libubsan|libtsan")
+if(ALSO)
+  string(APPEND allowed "|${ALSO}")
+endif()
 execute_process(COMMAND ${READELF} -d ${PROGRAM} OUTPUT_VARIABLE dynamic COMMAND_ERROR_IS_FATAL ANY)
-string(REGEX MATCHALL "NEEDED[^\n]*\\[[^]]*" needed "${dynamic}")
+# A list takes an open bracket and all behind it for one entry.
+string(REPLACE "[" "<" dynamic "${dynamic}")
+string(REPLACE "]" ">" dynamic "${dynamic}")
+string(REGEX MATCHALL "NEEDED[^\n]*<[^>]*>" needed "${dynamic}")
 if(NOT needed)
   message(FATAL_ERROR "no needed libraries found in ${PROGRAM}")
 endif()
 foreach(entry IN LISTS needed)
-  string(REGEX REPLACE ".*\\[" "" library "${entry}")
-  if(NOT library MATCHES "^(libstdc\\+\\+|libc\\+\\+|libgcc_s|libm|libc|libpthread|ld-linux[^.]*|libasan|libubsan|libtsan)\\.so")
-    message(FATAL_ERROR "the metadata core needs ${library}")
+  string(REGEX REPLACE ".*<(.*)>" "\\1" library "${entry}")
+  if(NOT library MATCHES "^(${allowed})\\.so")
+    message(FATAL_ERROR "${PROGRAM} needs ${library}")
   endif()
 endforeach()

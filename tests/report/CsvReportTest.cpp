@@ -48,11 +48,6 @@ protected:
     }
 };
 
-std::string escaped(const char* value)
-{
-    return SoundReportDialog::escapeCSV(QString::fromUtf8(value)).toStdString();
-}
-
 } // namespace
 
 TEST_F(CsvReport, aPlainTakeGivesExactlyThisLine)
@@ -186,21 +181,4 @@ TEST_F(CsvReport, aFullDiskIsNotNoticed)
 {
     SoundReportDialog dialog({ addTake("a.wav", { .note = std::string(300000, 'n') }) }, nullptr);
     EXPECT_TRUE(dialog.generateCsvReport("/dev/full"));
-}
-
-TEST(EscapeCsv, fourCharactersAskForQuotes)
-{
-    EXPECT_EQ(escaped("a,b"), "\"a,b\"");
-    EXPECT_EQ(escaped("a\"b"), "\"a\"\"b\"");
-    EXPECT_EQ(escaped("a\nb"), "\"a\nb\"");
-    EXPECT_EQ(escaped("a\rb"), "\"a\rb\"");
-    EXPECT_EQ(escaped("\""), "\"\"\"\"");
-}
-
-TEST(EscapeCsv, blanksTabsAndSemicolonsAskForNone)
-{
-    EXPECT_EQ(escaped(""), "");
-    EXPECT_EQ(escaped(" a "), " a ");
-    EXPECT_EQ(escaped("a\tb"), "a\tb");
-    EXPECT_EQ(escaped("a;b"), "a;b");
 }

@@ -1,3 +1,4 @@
+#include "report/ReportSettings.h"
 #include "report/SoundReportDialog.h"
 #include "report/SoundReportDocument.h"
 #include "tests/report/ReportFixture.h"
@@ -49,9 +50,10 @@ struct Sheet {
     QTextDocument document;
     QList<QTextTable*> tables;
 
-    explicit Sheet(const std::vector<TakeInfo>& takes, const ReportDetails& details = {})
+    explicit Sheet(
+        const std::vector<TakeInfo>& takes, const ReportSettings& settings = {}, const QString& soundRoll = {})
     {
-        composeSoundReport(document, takes, details);
+        composeSoundReport(document, takes, settings, soundRoll);
         for (QTextFrame* frame : document.rootFrame()->childFrames())
             tables.append(qobject_cast<QTextTable*>(frame));
     }
@@ -277,14 +279,13 @@ TEST_F(PdfReport, theTitleStandsLeftOfTheLogo)
 
 TEST_F(PdfReport, theDetailsStandInFourRows)
 {
-    ReportDetails details;
+    ReportSettings details;
     details.projectName = "Sh\xC3\xB6w";
     details.director = "D";
     details.soundMixer = "M";
     details.mixerPhone = "123";
     details.mixerEmail = "m@x";
-    details.soundRoll = "R1";
-    const Sheet sheet(monoTakes(1), details);
+    const Sheet sheet(monoTakes(1), details, "R1");
     const std::vector<std::vector<std::string>> expected{
         { "Project: Sh\xC3\xB6w", "File Type: Mono BWF", "Date: 2024-05-06" },
         { "Sound Mixer: M", "Sound Roll: R1", "Frame Rate: 25nd-C" },

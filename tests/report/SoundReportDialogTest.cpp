@@ -703,3 +703,16 @@ TEST_F(ReportDialog, nothingButTheReportIsWrittenBesideTheAudio)
     EXPECT_EQ(readBytes(folder.file("a.wav")), before);
     EXPECT_EQ(QDir(path("")).entryList(QDir::Files), (QStringList{ "a.wav", "r.ale" }));
 }
+
+TEST(ReportDialogTexts, areTheReportsOwnUnderTheDialogsNames)
+{
+    EXPECT_EQ(SoundReportDialog::formatTimecode(48000 * 61 + 47999, 48000, 25.0), "00:01:01:24");
+    EXPECT_EQ(SoundReportDialog::formatTimecode(48000ull * 3600 * 30, 48000, 25.0), "30:00:00:00");
+    EXPECT_EQ(SoundReportDialog::formatTimecode(48000, 0, 25.0), "--:--:--:--");
+    EXPECT_EQ(SoundReportDialog::formatDuration(3661.5, 24.0), "01:01:01:12");
+    EXPECT_EQ(SoundReportDialog::formatDuration(1.5, 0.0), "00:00:01:15");
+    EXPECT_EQ(SoundReportDialog::formatFramerate(29.97), "29.97df-C");
+    EXPECT_EQ(SoundReportDialog::formatFramerate(0.0), "");
+    EXPECT_EQ(SoundReportDialog::escapeCSV("a,\"b\""), "\"a,\"\"b\"\"\"");
+    EXPECT_EQ(SoundReportDialog::escapeCSV(" a "), " a ");
+}

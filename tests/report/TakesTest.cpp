@@ -1,15 +1,12 @@
-// From files to the sorted take list, and the report's own time texts.
+// From files to the sorted take list.
 
-#include "report/SoundReportDialog.h"
+#include "report/ReportTexts.h"
 #include "report/TakeInfo.h"
 #include "tests/report/ReportFixture.h"
-#include "tests/support/CommaLocale.h"
 #include "tests/support/WavBuilder.h"
 
 #include <QDir>
 #include <QFile>
-
-#include <limits>
 
 namespace {
 
@@ -294,7 +291,7 @@ TEST_F(Takes, lengthsAndRatesPastEveryIntegerAreCutOffQuietly)
     EXPECT_GT(take.duration, 1e19);
     EXPECT_EQ(take.timecodeIn.substr(0, 9), "00:00:04:");
     EXPECT_FALSE(take.timecodeOut.empty());
-    EXPECT_FALSE(SoundReportDialog::formatDuration(take.duration, take.frameRate).isEmpty());
+    EXPECT_FALSE(reportDuration(take).isEmpty());
 }
 
 TEST_F(Takes, aNameBeyondAsciiIsReadAndKept)
@@ -321,136 +318,49 @@ TEST_F(Takes, twoThousandFilesAreReadAndSorted)
     EXPECT_EQ(takes.back().scene, "11999");
 }
 
-TEST(NameWithoutWav, onlyAFinalWavInAnyCaseIsTakenOff)
+TEST_F(Takes, onlyPathsOfFilesAreKeptInTheirOrder)
 {
-    const auto shown = [](const char* name) {
-        TakeInfo take;
-        take.filename = name;
-        return nameWithoutWav(take).toStdString();
+    const QString b = addTake("b.wav", {});
+    const QString a = addTake("a.wav", {});
+    const QList<QFileInfo> files = filesAmong({ b, path("gone.wav"), "", path(""), a });
+    ASSERT_EQ(files.size(), 2);
+    EXPECT_EQ(files[0].filePath(), b);
+    EXPECT_EQ(files[1].filePath(), a);
+}
+
+TEST_F(Takes, aFolderGivesTheVisibleWavFilesDirectlyInItByName)
+{
+    for (const char* name : { "b.wav", "A.WAV", "a.Wav", "c.wave", "wav", ".wav", ".hidden.wav", "d.wav.txt", "e" })
+        addTake(name, {});
+    QDir(path("")).mkpath("folder.wav");
+    addTake("folder.wav/below.wav", {});
+    ASSERT_TRUE(QFile::link(path("e"), path("link.wav")));
+    ASSERT_TRUE(QFile::link(path("gone"), path("broken.wav")));
+    QStringList names;
+    for (const QFileInfo& file : wavFilesIn(path("")))
+        names << file.fileName();
+    EXPECT_EQ(names, (QStringList{ "A.WAV", "a.Wav", "b.wav", "link.wav" }));
+}
+
+TEST_F(Takes, aFolderThatIsMissingOrAFileGivesNone)
+{
+    EXPECT_TRUE(wavFilesIn(path("nowhere")).isEmpty());
+    EXPECT_TRUE(wavFilesIn(addTake("a.wav", {})).isEmpty());
+}
+
+TEST_F(Takes, theRollIsTheFirstTapeNameElseTheFirstFilesFolder)
+{
+    QDir(path("")).mkpath("DAY1");
+    const QList<QFileInfo> files{ QFileInfo(addTake("DAY1/a.wav", {})), QFileInfo(addTake("b.wav", {})) };
+    const auto roll = [&files](const Names& tapes) {
+        std::vector<TakeInfo> takes(tapes.size());
+        for (size_t i = 0; i < tapes.size(); ++i)
+            takes[i].soundRoll = tapes[i];
+        return soundRollOf(takes, files).toStdString();
     };
-    EXPECT_EQ(shown("FILE.WAV"), "FILE");
-    EXPECT_EQ(shown("a.wav.Wav"), "a.wav");
-    EXPECT_EQ(shown("name.wave"), "name.wave");
-    EXPECT_EQ(shown("wav"), "wav");
-    EXPECT_EQ(shown(".wav"), "");
-}
-
-namespace {
-
-std::string timecode(unsigned long long samples, unsigned int rate, double fps)
-{
-    return SoundReportDialog::formatTimecode(samples, rate, fps).toStdString();
-}
-
-std::string duration(double seconds, double fps)
-{
-    return SoundReportDialog::formatDuration(seconds, fps).toStdString();
-}
-
-std::string framerate(double fps)
-{
-    return SoundReportDialog::formatFramerate(fps).toStdString();
-}
-
-constexpr double kInfinite = std::numeric_limits<double>::infinity();
-constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
-
-} // namespace
-
-TEST(FormatTimecode, hoursGoOnPastADay)
-{
-    EXPECT_EQ(timecode(48000ull * 3600 * 30, 48000, 25.0), "30:00:00:00");
-}
-
-TEST(FormatTimecode, aHundredHoursTakeThreeDigits)
-{
-    EXPECT_EQ(timecode(48000ull * 3600 * 100, 48000, 25.0), "100:00:00:00");
-}
-
-TEST(FormatTimecode, aRateOfZeroGivesDashes)
-{
-    EXPECT_EQ(timecode(48000, 0, 25.0), "--:--:--:--");
-    EXPECT_EQ(timecode(48000, 48000, 0.0), "--:--:--:--");
-}
-
-TEST(FormatTimecode, aCountOfZeroIsFormatted)
-{
-    EXPECT_EQ(timecode(0, 48000, 25.0), "00:00:00:00");
-}
-
-TEST(FormatTimecode, framesAreTruncated)
-{
-    EXPECT_EQ(timecode(48000 * 61 + 47999, 48000, 25.0), "00:01:01:24");
-    EXPECT_EQ(timecode(48000 + 1919, 48000, 25.0), "00:00:01:00");
-}
-
-TEST(FormatTimecode, aBrokenRateIsAppliedAsItStandsWithoutDropFrameCounting)
-{
-    EXPECT_EQ(timecode(48000ull * 60, 48000, 29.97), "00:01:00:00");
-    EXPECT_EQ(timecode(48000 + 47000, 48000, 29.97), "00:00:01:29");
-}
-
-TEST(FormatTimecode, anInfiniteRateIsNoDanger)
-{
-    EXPECT_EQ(timecode(48000, 48000, kInfinite), "00:00:01:00");
-}
-
-TEST(FormatDuration, anUnknownRateCountsThirtyFrames)
-{
-    EXPECT_EQ(duration(1.5, 0.0), "00:00:01:15");
-    EXPECT_EQ(duration(1.5, -24.0), "00:00:01:15");
-    EXPECT_EQ(duration(1.5, kNoNumber), "00:00:01:15");
-}
-
-TEST(FormatDuration, aKnownRateIsUsed)
-{
-    EXPECT_EQ(duration(3661.5, 24.0), "01:01:01:12");
-}
-
-TEST(FormatDuration, zeroIsWrittenOut)
-{
-    EXPECT_EQ(duration(0.0, 25.0), "00:00:00:00");
-}
-
-TEST(FormatDuration, endlessIsNoDanger)
-{
-    EXPECT_EQ(duration(kInfinite, 25.0).substr(0, 20), "9223372036854775807:");
-    EXPECT_EQ(duration(kNoNumber, 25.0), "00:00:00:00");
-}
-
-TEST(FormatFramerate, twoDecimalsWithoutTrailingZeros)
-{
-    EXPECT_EQ(framerate(23.976), "23.98nd-C");
-    EXPECT_EQ(framerate(24000.0 / 1001.0), "23.98nd-C");
-    EXPECT_EQ(framerate(25.0), "25nd-C");
-    EXPECT_EQ(framerate(30.0), "30nd-C");
-    EXPECT_EQ(framerate(100.0), "100nd-C");
-    EXPECT_EQ(framerate(47.95), "47.95nd-C");
-    EXPECT_EQ(framerate(12.5), "12.5nd-C");
-}
-
-TEST(FormatFramerate, theDropFrameSuffixFollowsTheRateAlone)
-{
-    EXPECT_EQ(framerate(29.97), "29.97df-C");
-    EXPECT_EQ(framerate(30000.0 / 1001.0), "29.97df-C");
-    EXPECT_EQ(framerate(59.94), "59.94df-C");
-    EXPECT_EQ(framerate(29.9799), "29.98df-C");
-    EXPECT_EQ(framerate(29.9801), "29.98nd-C");
-    EXPECT_EQ(framerate(59.9299), "59.93nd-C");
-}
-
-TEST(FormatFramerate, zeroAndLessGiveNothing)
-{
-    EXPECT_EQ(framerate(0.0), "");
-    EXPECT_EQ(framerate(-25.0), "");
-}
-
-TEST(ReportTexts, aCommaLocaleChangesNothing)
-{
-    const CommaLocale comma;
-    if (!comma.works())
-        GTEST_SKIP() << "no locale with a decimal comma on this machine";
-    EXPECT_EQ(framerate(23.976), "23.98nd-C");
-    EXPECT_EQ(duration(3661.5, 23.976), "01:01:01:11");
-    EXPECT_EQ(timecode(72000, 48000, 29.97), "00:00:01:14");
+    EXPECT_EQ(roll({ "", "T2", "T3" }), "T2");
+    EXPECT_EQ(roll({ "", "" }), "DAY1");
+    EXPECT_EQ(roll({}), "DAY1");
+    EXPECT_EQ(roll({ "\xEF\xBB\xBF", "T2" }), "DAY1");
+    EXPECT_EQ(soundRollOf({}, {}), "");
 }

@@ -1,11 +1,13 @@
-#include "report/SoundReportDialog.h"
+#include "report/SoundReportDocument.h"
 
 #include "report/PictureFile.h"
 #include "report/ReportFile.h"
-#include "report/SoundReportDocument.h"
+#include "report/ReportSettings.h"
+#include "report/ReportTexts.h"
 
 #include <QBrush>
 #include <QColor>
+#include <QFile>
 #include <QFont>
 #include <QImage>
 #include <QMarginsF>
@@ -37,7 +39,7 @@ constexpr double kDocumentHeight = 864.0;
 constexpr int kLogoWidth = 120; // Pixels; larger logos are scaled down into this box.
 constexpr int kLogoHeight = 60;
 constexpr double kTitleBottomMargin = 10.0;
-const char* const kLogoResource = "companylogo";
+constexpr char kLogoResource[] = "companylogo";
 
 struct TakeColumn {
     const char* title;
@@ -164,7 +166,8 @@ QString dateText(const RollSummary& roll)
     return date.toString(QStringLiteral("yyyy-MM-dd"));
 }
 
-void insertDetails(QTextCursor& cursor, const ReportDetails& details, const RollSummary& roll)
+void insertDetails(
+    QTextCursor& cursor, const ReportSettings& settings, const QString& soundRoll, const RollSummary& roll)
 {
     QTextTableFormat format;
     format.setBorder(0);
@@ -177,14 +180,14 @@ void insertDetails(QTextCursor& cursor, const ReportDetails& details, const Roll
         return QLatin1String(label) + QString::fromStdString(value);
     };
     const QString rows[4][3] = {
-        { labelled("Project: ", details.projectName), QLatin1String("File Type: ") + fileTypeText(roll),
+        { labelled("Project: ", settings.projectName), QLatin1String("File Type: ") + fileTypeText(roll),
             QLatin1String("Date: ") + dateText(roll) },
-        { labelled("Sound Mixer: ", details.soundMixer), QLatin1String("Sound Roll: ") + details.soundRoll,
-            QLatin1String("Frame Rate: ") + SoundReportDialog::formatFramerate(roll.frameRate) },
-        { labelled("Mixer Phone: ", details.mixerPhone), labelled("Director: ", details.director),
+        { labelled("Sound Mixer: ", settings.soundMixer), QLatin1String("Sound Roll: ") + soundRoll,
+            QLatin1String("Frame Rate: ") + reportFrameRate(roll.frameRate) },
+        { labelled("Mixer Phone: ", settings.mixerPhone), labelled("Director: ", settings.director),
             QLatin1String("Bit Depth: ") + QStringLiteral("%1 bits").arg(roll.bitDepth) },
         // No setting feeds the producer: the caption leaves room to write by hand.
-        { labelled("Mixer Email: ", details.mixerEmail), QStringLiteral("Producer:"),
+        { labelled("Mixer Email: ", settings.mixerEmail), QStringLiteral("Producer:"),
             QLatin1String("Sample Rate: ") + QStringLiteral("%1 Hz").arg(roll.sampleRate) },
     };
     const QTextCharFormat text = textFormat(9);
@@ -220,9 +223,9 @@ QString fileText(const TakeInfo& take)
 }
 
 // The table has room for whole seconds only: a text of four fields loses its frames.
-QString durationText(const TakeInfo& take)
+QString durationInSeconds(const TakeInfo& take)
 {
-    const QString text = SoundReportDialog::formatDuration(take.duration, take.frameRate);
+    const QString text = reportDuration(take);
     return text.count(QLatin1Char(':')) == 3 ? text.left(text.lastIndexOf(QLatin1Char(':'))) : text;
 }
 
@@ -239,7 +242,7 @@ void fillTakeRow(
     first.insertText(fileText(take), formats.body);
     int column = 1;
     for (const QString& text : { QString::fromStdString(take.scene), QString::fromStdString(take.take), rate,
-             durationText(take), QString::fromStdString(take.timecodeIn) })
+             durationInSeconds(take), QString::fromStdString(take.timecodeIn) })
         cellCursor(table, row, column++).insertText(text, formats.body);
 }
 
@@ -288,7 +291,8 @@ RollSummary summarizeRoll(const std::vector<TakeInfo>& takes)
     return roll;
 }
 
-void composeSoundReport(QTextDocument& document, const std::vector<TakeInfo>& takes, const ReportDetails& details)
+void composeSoundReport(QTextDocument& document, const std::vector<TakeInfo>& takes, const ReportSettings& settings,
+    const QString& soundRoll)
 {
     document.setPageSize(QSizeF(kDocumentWidth, kDocumentHeight));
     document.setDefaultFont(reportFont(10));
@@ -298,9 +302,9 @@ void composeSoundReport(QTextDocument& document, const std::vector<TakeInfo>& ta
     // One edit block around everything: the layout runs once at its end instead of after each cell, whose cost would
     // grow with the square of the takes.
     cursor.beginEditBlock();
-    insertTitle(cursor, details.companyLogoPath);
-    insertDetails(cursor, details, roll);
-    insertTakes(cursor, takes, SoundReportDialog::formatFramerate(roll.frameRate));
+    insertTitle(cursor, settings.companyLogoPath);
+    insertDetails(cursor, settings, soundRoll, roll);
+    insertTakes(cursor, takes, reportFrameRate(roll.frameRate));
     cursor.endEditBlock();
 }
 
@@ -337,13 +341,13 @@ void printToPdf(const QTextDocument& document, const QString& filePath)
     document.print(&printer);
 }
 
-bool SoundReportDialog::generatePdfReport(const QString& filePath)
+bool writePdfReport(
+    const QString& path, const std::vector<TakeInfo>& takes, const ReportSettings& settings, const QString& soundRoll)
 {
     if (takes.empty())
         return false;
     QTextDocument document;
-    composeSoundReport(
-        document, takes, { projectName, director, soundMixer, mixerPhone, mixerEmail, companyLogoPath, soundRoll });
-    printToPdf(document, filePath);
+    composeSoundReport(document, takes, settings, soundRoll);
+    printToPdf(document, path);
     return true;
 }

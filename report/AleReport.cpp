@@ -1,12 +1,14 @@
-#include "report/SoundReportDialog.h"
+#include "report/AleReport.h"
 
 #include "report/ReportFile.h"
+#include "report/ReportTexts.h"
+#include "report/TakeInfo.h"
 
 #include <QTextStream>
 
 namespace {
 
-const char* const kColumns
+constexpr char kColumns[]
     = "Name\tTape\tStart\tEnd\tDuration\tTracks\tScene\tTake\tSoundRoll\tNotes\tSampleRate\tBitDepth\tFrameRate\n";
 constexpr uint32_t kHertzPerKilohertz = 1000;
 
@@ -36,27 +38,23 @@ void writeLine(QTextStream& out, const TakeInfo& take)
 {
     const QString roll = QString::fromStdString(take.soundRoll);
     out << nameWithoutWav(take) << '\t' << roll << '\t' << QString::fromStdString(take.timecodeIn) << '\t'
-        << QString::fromStdString(take.timecodeOut) << '\t'
-        << SoundReportDialog::formatDuration(take.duration, take.frameRate) << '\t' << take.tracks.size() << '\t'
-        << QString::fromStdString(take.scene) << '\t' << QString::fromStdString(take.take) << '\t' << roll << '\t'
-        << noteOnOneLine(take) << '\t' << take.sampleRate << '\t' << take.bitDepth << '\t'
-        << SoundReportDialog::formatFramerate(take.frameRate) << '\n';
+        << QString::fromStdString(take.timecodeOut) << '\t' << reportDuration(take) << '\t' << take.tracks.size()
+        << '\t' << QString::fromStdString(take.scene) << '\t' << QString::fromStdString(take.take) << '\t' << roll
+        << '\t' << noteOnOneLine(take) << '\t' << take.sampleRate << '\t' << take.bitDepth << '\t'
+        << reportFrameRate(take.frameRate) << '\n';
 }
 
 } // namespace
 
-bool SoundReportDialog::generateAleReport(const QString& filePath)
+void writeAle(QTextStream& out, const std::vector<TakeInfo>& takes)
 {
-    QFile file(filePath);
-    if (!openReportFile(file))
-        return false;
-    QTextStream out(&file);
-    out.setEncoding(QStringConverter::Utf8);
     writeHeading(out, takes);
     out << "Column\n" << kColumns << "\nData\n";
     for (const TakeInfo& take : takes)
         writeLine(out, take);
-    out.flush();
-    file.close();
-    return true;
+}
+
+bool writeAleReport(const QString& path, const std::vector<TakeInfo>& takes)
+{
+    return writeReportFile(path, takes, writeAle);
 }

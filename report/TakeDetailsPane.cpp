@@ -1,0 +1,92 @@
+#include "report/TakeDetailsPane.h"
+
+#include "report/ReportTexts.h"
+#include "report/TakeInfo.h"
+
+#include <QFormLayout>
+#include <QLabel>
+
+#include <array>
+
+namespace {
+
+constexpr int kMaximumWidth = 400; // Pixels.
+constexpr char kNoValue[] = "--";
+constexpr char kNotAvailable[] = "N/A";
+
+struct Row {
+    const char* caption;
+    const char* name;
+    QString (*text)(const TakeInfo& take);
+    // For texts that outgrow the pane in practice: eight track names, a long note.
+    bool wraps = false;
+};
+
+template <std::string TakeInfo::*field> QString fieldText(const TakeInfo& take)
+{
+    return QString::fromStdString(take.*field);
+}
+
+QString tracksText(const TakeInfo& take)
+{
+    // A track without a name is a track all the same.
+    return take.tracks.empty() ? QLatin1String(kNotAvailable) : joinedTracks(take, QStringLiteral(", "));
+}
+
+QString notesText(const TakeInfo& take)
+{
+    const QString notes = QString::fromStdString(take.notes);
+    return notes.isEmpty() ? QLatin1String(kNotAvailable) : notes;
+}
+
+QString fileDateText(const TakeInfo& take)
+{
+    return take.fileDate.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
+}
+
+constexpr std::array<Row, 12> kRows{ {
+    { "File Number:", "fileNumberLabel", fieldText<&TakeInfo::fileNumber> },
+    { "Filename:", "filenameLabel", fieldText<&TakeInfo::filename> },
+    { "Scene:", "sceneLabel", fieldText<&TakeInfo::scene> },
+    { "Take:", "takeLabel", fieldText<&TakeInfo::take> },
+    { "Project:", "projectLabel", fieldText<&TakeInfo::project> },
+    { "Sound Roll:", "soundRollLabel", fieldText<&TakeInfo::soundRoll> },
+    { "Timecode In:", "timecodeInLabel", fieldText<&TakeInfo::timecodeIn> },
+    { "Timecode Out:", "timecodeOutLabel", fieldText<&TakeInfo::timecodeOut> },
+    { "Duration:", "durationLabel", [](const TakeInfo& take) { return reportDuration(take); } },
+    { "Tracks:", "tracksLabel", tracksText, true },
+    { "Notes:", "notesLabel", notesText, true },
+    { "File Date:", "fileDateLabel", fileDateText },
+} };
+
+} // namespace
+
+TakeDetailsPane::TakeDetailsPane(QWidget* parent) : QGroupBox(QStringLiteral("Take Details"), parent)
+{
+    setObjectName("detailsGroup");
+    setMaximumWidth(kMaximumWidth);
+    auto* detailsLayout = new QFormLayout(this);
+    detailsLayout->setObjectName("detailsLayout");
+    for (const Row& row : kRows) {
+        auto* label = new QLabel(QLatin1String(kNoValue));
+        label->setObjectName(row.name);
+        // A note may look like markup; it is shown as it stands in the file.
+        label->setTextFormat(Qt::PlainText);
+        label->setWordWrap(row.wraps);
+        detailsLayout->addRow(QLatin1String(row.caption), label);
+        valueLabels.push_back(label);
+    }
+}
+
+void TakeDetailsPane::showTake(const TakeInfo& take)
+{
+    size_t row = 0;
+    for (QLabel* label : valueLabels)
+        label->setText(kRows[row++].text(take));
+}
+
+void TakeDetailsPane::showNoTake()
+{
+    for (QLabel* label : valueLabels)
+        label->setText(QLatin1String(kNoValue));
+}
