@@ -44,12 +44,12 @@ public:
     std::string hex(Field field) const
     {
         constexpr std::string_view kDigits = "0123456789abcdef";
-        std::string digits;
-        digits.reserve(size_t{ 2 } * field.size);
-        for (const char each : bytesOf(field)) {
-            const auto byte = static_cast<unsigned char>(each);
-            digits += kDigits[byte >> 4];
-            digits += kDigits[byte & 0xF];
+        const std::string_view bytes = bytesOf(field);
+        std::string digits(2 * bytes.size(), '\0');
+        for (size_t i = 0; i < bytes.size(); ++i) {
+            const auto byte = static_cast<unsigned char>(bytes[i]);
+            digits[2 * i] = kDigits[byte >> 4];
+            digits[2 * i + 1] = kDigits[byte & 0xF];
         }
         return digits;
     }
