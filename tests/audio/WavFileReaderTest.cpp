@@ -566,7 +566,7 @@ TEST_F(WavFileReaderReadTest, lastReadIsShortAndTheNextGivesNothing)
 
 TEST_F(WavFileReaderReadTest, oneReadMayTakeMoreThanABlock)
 {
-    constexpr int32_t kFrames = 3 * WavFileReader::kBlockFrames + 5;
+    constexpr int32_t kFrames = 3 * PrefetchRing::kBlockFrames + 5;
     ASSERT_TRUE(open(numberedFile(kFrames, 2)));
     const std::vector<float> all = read(kFrames, 2, 2);
     ASSERT_EQ(all.size(), 2u * kFrames);
