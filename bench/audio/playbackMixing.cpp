@@ -133,7 +133,7 @@ void renderCallback(benchmark::State& state)
     list.buffer(1) = { 1, kRenderFrames * 4, right.data() };
     list.list()->mNumberBuffers = channels == 1 ? 2 : 1;
     for (auto _ : state) {
-        player->stereoWrite.store(PlayerState::movedOn(player->stereoRead, 4000), std::memory_order_relaxed);
+        player->stereoRing.advance(player->stereoRing.mark(), kRenderFrames);
         render(player.get(), nullptr, nullptr, 0, kRenderFrames, list.list());
         benchmark::ClobberMemory();
     }
@@ -156,10 +156,10 @@ void memcpyOfAsMuch(benchmark::State& state)
 
 void publishBlock(benchmark::State& state)
 {
-    const auto player = std::make_unique<PlayerState>();
+    StereoRing ring;
     const std::vector<float> stereo = noise(size_t{ kRenderFrames } * 2);
     for (auto _ : state) {
-        player->publishFrames(player->stereoWrite, stereo.data(), kRenderFrames);
+        ring.publish(ring.mark(), stereo.data(), kRenderFrames);
         benchmark::ClobberMemory();
     }
     countFrames(state);

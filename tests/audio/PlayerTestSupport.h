@@ -84,7 +84,7 @@ protected:
     static void fillRing()
     {
         const auto target = static_cast<uint32_t>(state().deviceRate * 0.08);
-        EXPECT_TRUE(comesTrue([&] { return state().queuedFrames() == target; }));
+        EXPECT_TRUE(comesTrue([&] { return state().stereoRing.queued() == target; }));
     }
 
     TempFolder folder;

@@ -198,18 +198,18 @@ TEST_F(RealTimePromise, mixerPassesCallNothing)
     for (const double deviceRate : { 48000.0, 44100.0, 96000.0 }) {
         const auto state = std::make_unique<PlayerState>();
         ASSERT_TRUE(state->reader.open(path));
-        state->channels = kTracks;
-        state->sampleRate = 48000;
+        state->file = state->reader.getHeader();
         state->deviceRate = deviceRate;
         ASSERT_TRUE(state->converter.setup(48000.0, deviceRate));
         PlaybackMixer mixer(kTracks);
         MixerBlocks blocks(kTracks);
         state->reader.startPrefetch(kTracks);
         state->transport.start();
+        std::vector<StereoFrame> out(StereoRing::kRenderBatch);
         int passes = 0;
         ASSERT_TRUE(comesTrue([&] {
             EXPECT_EQ(callsDuring([&] { mixerPass(*state, mixer, blocks); }), 0) << deviceRate;
-            state->stereoRead = state->stereoWrite.load();
+            EXPECT_EQ(callsDuring([&] { state->stereoRing.take(StereoRing::kRenderBatch, out.data()); }), 0);
             if (++passes == 20)
                 state->converter.reset();
             return state->transport.finished();

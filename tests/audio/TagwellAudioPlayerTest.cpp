@@ -10,7 +10,7 @@ using Names = std::vector<std::string>;
 namespace {
 
 const Names kOpenCalls
-    = { "defaultOutputDevice", "nominalSampleRate", "newUnit", "setStreamFormat", "setRenderCallback", "initialize" };
+    = { "openDefaultDevice", "nominalSampleRate", "newUnit", "setStreamFormat", "setRenderCallback", "initialize" };
 
 Names firstOpenCalls(size_t count, const Names& more = {})
 {
@@ -487,10 +487,10 @@ TEST_F(PlayerTest, queuedFramesCountAtTheDevicesRateAndTakenOnesAtTheFiles)
     DrivenOutput::setNominalRate(44100.0);
     ASSERT_TRUE(player.open(monoFile(2 * 48000)));
     player.seekSeconds(1.0);
-    state().stereoWrite = PlayerState::movedOn(state().stereoRead, 4410);
+    ASSERT_TRUE(state().stereoRing.advance(state().stereoRing.mark(), 4410));
     EXPECT_DOUBLE_EQ(player.positionSeconds(), 0.9);
     player.seekSeconds(0.05);
-    state().stereoWrite = PlayerState::movedOn(state().stereoRead, 4410);
+    ASSERT_TRUE(state().stereoRing.advance(state().stereoRing.mark(), 4410));
     EXPECT_EQ(player.positionSeconds(), 0.0) << "never below";
 }
 
@@ -513,7 +513,7 @@ TEST_F(PlayerTest, aTruncatedFileNeverFinishes)
     ASSERT_TRUE(player.play());
     ASSERT_TRUE(comesTrue([&] {
         DrivenOutput::pullStereo(128);
-        return player.positionSeconds() == 0.05 && state().queuedFrames() == 0;
+        return player.positionSeconds() == 0.05 && state().stereoRing.queued() == 0;
     }));
     std::this_thread::sleep_for(std::chrono::milliseconds(60));
     EXPECT_TRUE(player.isPlaying());
@@ -558,7 +558,8 @@ TEST_F(PlayerTest, trackPeaksAreThoseOfTheTracksAlone)
     EXPECT_EQ(player.trackPeak(0), 0.25F);
     EXPECT_EQ(player.trackPeak(1), 2.0F) << "not clamped";
     EXPECT_EQ(player.trackPeak(-1), 0.0F);
-    state().peaks[2] = 0.75F;
+    state().peaks.raise(std::vector<float>{ 0.0f, 0.0f, 0.75f }.data(), 3);
+    ASSERT_EQ(state().peaks.at(2), 0.75f);
     EXPECT_EQ(player.trackPeak(2), 0.0F) << "whatever lies behind the last track";
     EXPECT_EQ(player.trackPeak(64), 0.0F);
 }
