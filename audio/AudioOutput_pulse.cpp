@@ -28,7 +28,7 @@ constexpr uint32_t kPieceFrames = 1024; // Of one render call; the server may as
 constexpr uint32_t kChannels = 2;
 constexpr int kRealtimePriority = 10; // Above all ordinary threads, below the sound server's own.
 
-/// A connection to the server with its thread. All members but `connect` and the destructor need the lock.
+// A connection to the server with its thread. All members but `connect` and the destructor need the lock.
 class Connection {
 public:
     Connection() : loop(pa_threaded_mainloop_new()) { }
@@ -36,22 +36,22 @@ public:
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    /// Connects to the running server and starts none. False if there is none or it doesn't answer in time.
+    // Connects to the running server and starts none. False if there is none or it doesn't answer in time.
     bool connect();
 
-    /// Waits, with the lock held, until `done()`, or until the connection breaks or time is up. Returns what `done()`
-    /// says.
+    // Waits, with the lock held, until `done()`, or until the connection breaks or time is up. Returns what `done()`
+    // says.
     template <typename Condition> bool waitUntil(Condition done);
 
-    /// The same for an operation, which is let go of. False if it could not begin, was cancelled or is still running.
+    // The same for an operation, which is let go of. False if it could not begin, was cancelled or is still running.
     bool finish(pa_operation* operation);
 
-    /// From now on each wait has its own time limit.
+    // From now on each wait has its own time limit.
     void endOpening() { opening = false; }
 
     bool ready() const { return !givenUp && context && pa_context_get_state(context) == PA_CONTEXT_READY; }
     void signal() { pa_threaded_mainloop_signal(loop, 0); }
-    /// Time is up: this wait ends, and none begins any more.
+    // Time is up: this wait ends, and none begins any more.
     void giveUp()
     {
         givenUp = true;
@@ -243,7 +243,7 @@ void feed(Unit& unit, size_t bytes, bool silent)
     while (left > 0) {
         const auto frames = static_cast<uint32_t>(std::min<size_t>(left, kPieceFrames));
         if (silent)
-            unit.interleaved.fill(0.0F);
+            unit.interleaved.fill(0.0f);
         else
             renderPiece(unit, frames);
         if (pa_stream_write(unit.stream, unit.interleaved.data(), frames * kFrameBytes, nullptr, 0, PA_SEEK_RELATIVE)

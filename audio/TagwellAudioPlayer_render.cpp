@@ -27,7 +27,7 @@ void fillChannel(const Buffer& buffer, uint32_t frames, const Taken& taken, floa
     auto* out = static_cast<float*>(buffer.mData);
     for (uint32_t i = 0; i < taken.count; ++i)
         out[i] = taken.frames[i].*side;
-    std::fill(out + taken.count, out + frames, 0.0F);
+    std::fill(out + taken.count, out + frames, 0.0f);
 }
 
 // One buffer for each channel: left, right, and silence in all others.
@@ -54,7 +54,7 @@ void fillInterleaved(const Buffer& buffer, const Taken& taken)
         out[0] = frame.left;
         if (channels >= 2) {
             out[1] = frame.right;
-            std::fill(out + 2, out + channels, 0.0F);
+            std::fill(out + 2, out + channels, 0.0f);
         }
         out += channels;
     }

@@ -73,7 +73,7 @@ TEST_F(MixerPassTest, nothingIsTakenWhileTheTransportRests)
     takeBlock();
     const int64_t position = state->reader.getPosition();
     const float peak = state->peaks.at(0);
-    EXPECT_GT(peak, 0.0F);
+    EXPECT_GT(peak, 0.0f);
     state->transport.pause();
     EXPECT_EQ(pass(), milliseconds(8));
     state->transport.resume();
@@ -206,25 +206,25 @@ TEST_F(MixerPassTest, aPendingSeekBeforeTheEndKeepsTheTransportRunning)
 
 TEST_F(MixerPassTest, peaksFallByEightPercentWithEachBlock)
 {
-    std::vector<float> samples(256, 0.5F);
-    samples.resize(1024, 0.0F);
+    std::vector<float> samples(256, 0.5f);
+    samples.resize(1024, 0.0f);
     open(makeFloatFile(folder, "burst.wav", 48000, 1, samples));
     takeBlock();
-    EXPECT_EQ(state->peaks.at(0), 0.5F);
+    EXPECT_EQ(state->peaks.at(0), 0.5f);
     takeBlock();
-    EXPECT_EQ(state->peaks.at(0), 0.92F * 0.5F);
+    EXPECT_EQ(state->peaks.at(0), 0.92f * 0.5f);
     takeBlock();
-    EXPECT_EQ(state->peaks.at(0), 0.92F * (0.92F * 0.5F));
+    EXPECT_EQ(state->peaks.at(0), 0.92f * (0.92f * 0.5f));
 }
 
 TEST_F(MixerPassTest, aLouderBlockRaisesThePeakAtOnce)
 {
-    std::vector<float> samples(256, 0.25F);
-    samples.resize(512, 0.75F);
+    std::vector<float> samples(256, 0.25f);
+    samples.resize(512, 0.75f);
     open(makeFloatFile(folder, "rise.wav", 48000, 1, samples));
     takeBlock();
     takeBlock();
-    EXPECT_EQ(state->peaks.at(0), 0.75F);
+    EXPECT_EQ(state->peaks.at(0), 0.75f);
 }
 
 TEST_F(MixerPassTest, aConvertedBlockHas1024FramesAtMost)

@@ -85,7 +85,7 @@ protected:
         std::vector<float> heard;
         for (size_t i = 0; i < stereo.size(); i += 2) {
             EXPECT_EQ(stereo[i], stereo[i + 1]);
-            if (stereo[i] != 0.0F)
+            if (stereo[i] != 0.0f)
                 heard.push_back(stereo[i]);
         }
         return heard;
@@ -282,7 +282,7 @@ TEST_F(PulseOutputTest, withoutAServerOpenIsFalseAndNothingIsPrinted)
     setenv("HOME", folder.path().c_str(), 1);
     setenv("XDG_RUNTIME_DIR", folder.path().c_str(), 1);
     setenv("PULSE_SERVER", "unix:/nonexistent", 1);
-    const std::string path = makeFloatFile(folder, "one.wav", 48000, 1, { 0.5F });
+    const std::string path = makeFloatFile(folder, "one.wav", 48000, 1, { 0.5f });
     PrintWatch watch(folder);
     const bool opened = player.open(path);
     const bool played = player.play();
@@ -297,7 +297,7 @@ TEST_F(PulseOutputTest, withoutAnySoundSetUpOpenIsFalseAndNothingIsPrinted)
     setenv("HOME", "/nonexistent", 1);
     setenv("XDG_RUNTIME_DIR", "/nonexistent", 1);
     unsetenv("PULSE_SERVER");
-    const std::string path = makeFloatFile(folder, "one.wav", 48000, 1, { 0.5F });
+    const std::string path = makeFloatFile(folder, "one.wav", 48000, 1, { 0.5f });
     PrintWatch watch(folder);
     const bool opened = player.open(path);
     EXPECT_EQ(watch.printed(), "");
@@ -308,7 +308,7 @@ TEST_F(PulseOutputTest, aDamagedSoundSetUpIsNotCommentedOn)
 {
     std::filesystem::create_directories(folder.path() / ".config/pulse");
     writeBytes(folder.file(".config/pulse/client.conf"), "nonsense\n");
-    const std::string path = makeFloatFile(folder, "one.wav", 48000, 1, { 0.5F });
+    const std::string path = makeFloatFile(folder, "one.wav", 48000, 1, { 0.5f });
     unsetenv("PULSE_SERVER");
     unsetenv("XDG_RUNTIME_DIR");
     for (const std::string& home : { folder.path().string(), path, std::string("relative") }) {
@@ -342,7 +342,7 @@ TEST_F(PulseOutputTest, aServerThatNeverAnswersMakesOpenFalse)
     setenv("HOME", folder.path().c_str(), 1);
     setenv("XDG_RUNTIME_DIR", folder.path().c_str(), 1);
     setenv("PULSE_SERVER", ("unix:" + socketPath).c_str(), 1);
-    const std::string path = makeFloatFile(folder, "one.wav", 48000, 1, { 0.5F });
+    const std::string path = makeFloatFile(folder, "one.wav", 48000, 1, { 0.5f });
     PrintWatch watch(folder);
     const bool opened = player.open(path);
     EXPECT_EQ(watch.printed(), "");

@@ -232,7 +232,7 @@ TEST_F(RealTimePromise, renderCallbackCallsNothing)
     void* const context = DrivenOutput::renderContext();
     ASSERT_TRUE(comesTrue([&] {
         EXPECT_EQ(callsDuring([&] { render(context, nullptr, nullptr, 0, 256, list.list()); }), 0);
-        return left[0] != 0.0F;
+        return left[0] != 0.0f;
     }));
     EXPECT_EQ(callsDuring([&] { render(context, nullptr, nullptr, 0, 4096, list.list()); }), 0);
     list.buffer(0).mNumberChannels = 2;
@@ -245,7 +245,7 @@ TEST_F(RealTimePromise, settingsAndReadOutsCallNothing)
     ASSERT_TRUE(player.open(path));
     ASSERT_TRUE(player.play());
     EXPECT_EQ(callsDuring([&] {
-        player.setTrackGain(3, 0.5F);
+        player.setTrackGain(3, 0.5f);
         player.setTrackMuted(3, true);
         player.setTrackSolo(3, true);
         (void)player.positionSeconds();
