@@ -34,6 +34,14 @@ int64_t truncatedToFrame(double value)
     return static_cast<int64_t>(value);
 }
 
+// Makes room in `scratch` for `frames` stored frames of a file with this header.
+void growScratch(std::vector<uint8_t>& scratch, const WavHeader& header, int64_t frames)
+{
+    const auto size = static_cast<size_t>(frames * header.frameBytes() + kSampleSlack);
+    if (scratch.size() < size)
+        scratch.resize(size);
+}
+
 } // namespace
 
 WavFileReader::~WavFileReader()
@@ -53,7 +61,7 @@ bool WavFileReader::open(const std::string& path)
     }
     opened = true;
     position.store(0, std::memory_order_seq_cst);
-    growScratch(PrefetchRing::kBlockFrames);
+    growScratch(scratch, header, PrefetchRing::kBlockFrames);
     return true;
 }
 
@@ -136,7 +144,7 @@ int32_t WavFileReader::readFramesSync(float* out, int32_t frames, int32_t outCha
     const FrameDecoder decode = frameDecoder(header.formatCode, header.bitsPerSample);
     const int32_t decodedChannels = header.effectiveChannels(outChannels);
     const int64_t pieceFrames = std::min(count, kPieceBytes / header.frameBytes());
-    growScratch(pieceFrames);
+    growScratch(scratch, header, pieceFrames);
 
     goToWavFrame(stream, header, start);
     int64_t done = 0;
@@ -149,13 +157,6 @@ int32_t WavFileReader::readFramesSync(float* out, int32_t frames, int32_t outCha
     }
     position.store(start + done, std::memory_order_seq_cst);
     return static_cast<int32_t>(done);
-}
-
-void WavFileReader::growScratch(int64_t frames)
-{
-    const auto size = static_cast<size_t>(frames * header.frameBytes() + kSampleSlack);
-    if (scratch.size() < size)
-        scratch.resize(size);
 }
 
 void WavFileReader::startPrefetch(int32_t maxChannels)

@@ -45,11 +45,9 @@ public:
     bool isOpen() const { return opened; }
     /// What the file's header says; all 0 when closed.
     const WavHeader& getHeader() const { return header; }
-    /// Five fields of it, see there.
+    /// Three fields of it, see there.
     int32_t getSampleRate() const { return header.sampleRate; }
     int32_t getChannels() const { return header.channels; }
-    int32_t getBitsPerSample() const { return header.bitsPerSample; }
-    int32_t getFormatCode() const { return header.formatCode; }
     int64_t getTotalFrames() const { return header.totalFrames; }
     /// Seconds; 0.0 when closed or when the sample rate is below 1.
     double getDuration() const;
@@ -119,7 +117,6 @@ public:
 private:
     bool parseHeader();
     void goToFrame(int64_t frame);
-    void growScratch(int64_t frames);
     void prefetchLoop();
 
     // The file, as found by `open`; constant while prefetching runs.
