@@ -23,17 +23,23 @@ public:
     /// Hasn't finished; playing stays as it is. An end that the mixer thread is about to find counts no more.
     /// Thread: interface.
     void clearFinished() { change(kFinished, 0); }
+    /// A seek is under way until `endSeek`: between the two the ring may be empty while the reader still stands at the
+    /// end, and that is no end. Thread: interface.
+    void beginSeek() { change(kSeeking, kSeeking); }
+    /// The seek is done; as `clearFinished`. Thread: interface.
+    void endSeek() { change(kSeeking | kFinished, 0); }
 
     /// The word as it stands, for `plays` and `finish`. Thread: mixer.
     uint64_t mark() const { return word.load(std::memory_order_acquire); }
     /// What `playing` was when `mark` was taken.
     static bool plays(uint64_t mark) { return (mark & kPlaying) != 0; }
-    /// Has finished and plays no more, both at once, if nothing has changed since `mark`; else nothing happens, and the
-    /// result is false. Thread: mixer. One attempt.
+    /// Has finished and plays no more, both at once, if nothing has changed since `mark` and no seek was under way
+    /// then; else nothing happens, and the result is false. Thread: mixer. One attempt.
     bool finish(uint64_t mark)
     {
-        return word.compare_exchange_strong(
-            mark, (mark & ~kPlaying) | kFinished, std::memory_order_acq_rel, std::memory_order_relaxed);
+        return (mark & kSeeking) == 0
+            && word.compare_exchange_strong(
+                mark, (mark & ~kPlaying) | kFinished, std::memory_order_acq_rel, std::memory_order_relaxed);
     }
     /// `playing`, as a part of the order of all changes: if this is true, whatever the thread that stops does behind
     /// its stop comes after what was done before this call. Thread: mixer. One attempt.
@@ -42,7 +48,8 @@ public:
 private:
     static constexpr uint64_t kPlaying = 1;
     static constexpr uint64_t kFinished = 2;
-    static constexpr uint64_t kOneChange = 4;
+    static constexpr uint64_t kSeeking = 4;
+    static constexpr uint64_t kOneChange = 8;
 
     // The mixer thread changes the word at most once between two changes, so this ends at the second attempt.
     void change(uint64_t bits, uint64_t values)

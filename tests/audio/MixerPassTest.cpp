@@ -282,6 +282,30 @@ TEST_F(MixerPassTest, anEndFoundBeforeASeekOrStopOrStartCountsNoMore)
     EXPECT_TRUE(transport.finished());
 }
 
+// The file is at its end, but what is queued of it is still to be heard when the seek empties the ring.
+TEST_F(MixerPassTest, aRingThatASeekHasEmptiedIsNotTheEnd)
+{
+    openMono(300);
+    ASSERT_TRUE(comesTrue([&] {
+        pass();
+        return state->stereoWrite == 300U;
+    }));
+    state->transport.beginSeek();
+    state->emptyStereoRing();
+    EXPECT_EQ(pass(), milliseconds(4));
+    EXPECT_TRUE(state->transport.playing());
+    EXPECT_FALSE(state->transport.finished());
+    state->reader.setPosition(100);
+    state->transport.endSeek();
+    ASSERT_TRUE(comesTrue([&] {
+        pass();
+        return state->queuedFrames() == 200U;
+    }));
+    drain();
+    pass();
+    EXPECT_TRUE(state->transport.finished()) << "the end counts again behind the seek";
+}
+
 TEST_F(MixerPassTest, blocksHoldAtLeastOneTrack)
 {
     const MixerBlocks none(0);
