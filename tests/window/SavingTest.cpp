@@ -503,6 +503,23 @@ TEST_F(SavingTest, textsThatNobodyTouchedKeepTheirBytesWhenTheTakeOfOneFileChang
     }
 }
 
+TEST_F(SavingTest, aTakeThatNobodyTouchedKeepsItsBytesWhenTheSceneOfItsFileChanges)
+{
+    for (const char* bytes : { "prise \xE9", "\xEF\xBB\xBF 07" }) {
+        TakeFields fields = withScene("12A");
+        fields.take = bytes;
+        have(fields);
+    }
+    for (const int row : { 0, 1 }) {
+        hands().select({ row });
+        hands().type("sceneEdit", "13B");
+        saveAll(1);
+        const TakeFields& take = takes[static_cast<size_t>(row)];
+        EXPECT_EQ(inFile(row).scene, "13B");
+        EXPECT_EQ(proof(row).changedWithin({ descriptionRange(take), elementRange(take, "SCENE", "12A") }), "");
+    }
+}
+
 // The line edit shows and gives back 32767 characters.
 TEST_F(SavingTest, aSceneLongerThanItsEditorTakesKeepsItsEnd)
 {
