@@ -506,7 +506,7 @@ TEST_F(SavingTest, textsThatNobodyTouchedKeepTheirBytesWhenTheTakeOfOneFileChang
 TEST_F(SavingTest, aTakeThatNobodyTouchedKeepsItsBytesWhenTheSceneOfItsFileChanges)
 {
     for (const char* bytes : { "prise \xE9", "\xEF\xBB\xBF 07" }) {
-        TakeFields fields = withScene("12A");
+        Recording fields = Recording::usual();
         fields.take = bytes;
         have(fields);
     }
@@ -514,9 +514,9 @@ TEST_F(SavingTest, aTakeThatNobodyTouchedKeepsItsBytesWhenTheSceneOfItsFileChang
         hands().select({ row });
         hands().type("sceneEdit", "13B");
         saveAll(1);
-        const TakeFields& take = takes[static_cast<size_t>(row)];
+        const Recording& take = takes[static_cast<size_t>(row)];
         EXPECT_EQ(inFile(row).scene, "13B");
-        EXPECT_EQ(proof(row).changedWithin({ descriptionRange(take), elementRange(take, "SCENE", "12A") }), "");
+        EXPECT_EQ(proof(row).changedWithin({ take.descriptionRange(), take.elementRange("SCENE", "12A") }), "");
     }
 }
 
