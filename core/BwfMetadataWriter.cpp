@@ -2,8 +2,8 @@
 
 #include "core/BwfMetadata.h"
 #include "core/BwfMetadataReader.h"
-#include "core/CantarMetadataParser.h"
 #include "core/ChunkWalk.h"
+#include "core/MetadataChanges.h"
 
 #include <algorithm>
 #include <array>
@@ -12,74 +12,6 @@
 #include <vector>
 
 namespace {
-
-constexpr size_t kDescriptionBytes = 256;
-constexpr uint64_t kTimeReferenceOffset = 338; // Of the low half in the `bext` payload; the high half follows.
-constexpr uint32_t kBextFieldsBytes = 346; // Up to the end of the time reference.
-constexpr double kDefaultFrameRate = 24.0; // For the rate line of a Description whose file tells no rate.
-
-/// Which steps a save needs: the difference between what is wanted and what the file holds.
-struct Changes {
-    bool timeReference = false;
-    bool bext = false;
-    bool ixml = false;
-    bool tracks = false;
-
-    bool any() const { return timeReference || bext || ixml || tracks; }
-};
-
-/// An empty text stands for "leave it as it is".
-bool textChanged(const std::string& updated, const std::string& current)
-{
-    return !updated.empty() && updated != current;
-}
-
-/// Entries that only the file has do not count, and neither does the channel number.
-bool anyTrackChanged(const std::vector<BwfTrack>& updated, const std::vector<BwfTrack>& current)
-{
-    if (updated.size() > current.size())
-        return true;
-    return !std::equal(updated.begin(), updated.end(), current.begin(),
-        [](const BwfTrack& a, const BwfTrack& b) { return a.name == b.name && a.function == b.function; });
-}
-
-Changes changesBetween(const BwfMetadata& current, const BwfMetadata& updated)
-{
-    const bool sharedText = textChanged(updated.note, current.note) || textChanged(updated.scene, current.scene)
-        || textChanged(updated.tape, current.tape) || textChanged(updated.take, current.take)
-        || textChanged(updated.project, current.project);
-
-    Changes changes;
-    changes.timeReference = updated.timeReference != 0 && updated.timeReference != current.timeReference;
-    // User bits go to the Description only, the two flags and the tracks to the iXML only.
-    changes.bext = sharedText || textChanged(updated.ubits, current.ubits);
-    changes.ixml = sharedText || updated.circled != current.circled || updated.wildTrack != current.wildTrack;
-    changes.tracks = anyTrackChanged(updated.tracks, current.tracks);
-    return changes;
-}
-
-/// The Description that the file gets. What the old one said stays where it is not changed, even if the iXML says
-/// otherwise; what the parser doesn't know is lost. The rate is the file's, never the wanted record's.
-std::string descriptionFor(const BwfMetadata& current, const BwfMetadata& updated)
-{
-    CantarMetadata wanted;
-    if (!current.description.empty())
-        wanted = CantarMetadataParser::parseDescription(current.description);
-
-    const auto overlay = [](std::string& field, const std::string& newValue, const std::string& oldValue) {
-        if (textChanged(newValue, oldValue))
-            field = newValue;
-    };
-    overlay(wanted.scene, updated.scene, current.scene);
-    overlay(wanted.tape, updated.tape, current.tape);
-    overlay(wanted.take, updated.take, current.take);
-    overlay(wanted.note, updated.note, current.note);
-    overlay(wanted.ubits, updated.ubits, current.ubits);
-    overlay(wanted.tag, updated.project, current.project); // The tag line carries the project.
-
-    const double rate = current.frameRate > 0.0 ? current.frameRate : kDefaultFrameRate;
-    return CantarMetadataParser::buildDescription(wanted, rate);
-}
 
 /// The file's size in bytes, and with it the stream at its end; 0 on a failed stream. Fails the stream if the size
 /// can't be told: what is not written for that reason must not pass as written.
@@ -215,7 +147,7 @@ bool saveDescription(std::fstream& file, ChunkSearch& chunks, const BwfMetadata&
     uint32_t position = 0;
     if (!chunks.find("bext", size, position))
         return false;
-    return BwfMetadataWriter::updateBextDescription(file, position, descriptionFor(current, updated));
+    return BwfMetadataWriter::updateBextDescription(file, position, editedDescription(current, updated));
 }
 
 bool saveTimeReference(std::fstream& file, ChunkSearch& chunks, uint64_t timeReference)
@@ -245,7 +177,7 @@ bool BwfMetadataWriter::writeMetadata(const std::string& path, const BwfMetadata
     if (!read)
         return false;
     const BwfMetadata& current = *read;
-    const Changes changes = changesBetween(current, updated);
+    const MetadataChanges changes = changesBetween(current, updated);
     if (!changes.any())
         return true;
 
