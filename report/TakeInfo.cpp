@@ -70,6 +70,7 @@ std::vector<std::string> trackNames(const BwfMetadata& metadata)
     std::sort(ordered.begin(), ordered.end());
 
     std::vector<std::string> names;
+    names.reserve(ordered.empty() ? metadata.channels : ordered.size());
     for (auto& entry : ordered)
         names.push_back(std::move(entry.second));
     if (!names.empty())
