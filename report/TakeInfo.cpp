@@ -151,7 +151,7 @@ QString soundRollOf(const std::vector<TakeInfo>& takes, const QList<QFileInfo>& 
     const auto named
         = std::find_if(takes.begin(), takes.end(), [](const TakeInfo& take) { return !take.soundRoll.empty(); });
     // A tape name of nothing but a byte order mark is a text of no characters.
-    const QString roll = named == takes.end() ? QString() : QString::fromStdString(named->soundRoll);
+    QString roll = named == takes.end() ? QString() : QString::fromStdString(named->soundRoll);
     if (!roll.isEmpty() || files.isEmpty())
         return roll;
     return QDir(files.first().absolutePath()).dirName();
