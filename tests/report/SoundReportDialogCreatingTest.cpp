@@ -6,7 +6,7 @@
 
 TEST_F(ReportDialog, theProposedNameHoldsProjectAndRoll)
 {
-    SoundReportDialog dialog({ addTake("a.wav", { .tape = "R1", .project = "Doc" }) }, nullptr);
+    SoundReportDialog dialog({ addTake("a.wav", { .project = "Doc", .tape = "R1" }) }, nullptr);
     setSetting("soundreport.projectName", "unused");
     EXPECT_EQ(proposal(dialog), path("Doc_R1_SoundReport.pdf"));
 }
@@ -41,8 +41,8 @@ TEST_F(ReportDialog, inListModeWithoutTapeNamesTheFirstFilesFolderIsTheRoll)
 
 TEST_F(ReportDialog, theProposedProjectIsThatOfTheFirstSortedTake)
 {
-    SoundReportDialog dialog({ addTake("b.wav", { .scene = "2", .tape = "R", .project = "Second" }),
-                                 addTake("a.wav", { .scene = "1", .tape = "R", .project = "First" }) },
+    SoundReportDialog dialog({ addTake("b.wav", { .scene = "2", .project = "Second", .tape = "R" }),
+                                 addTake("a.wav", { .scene = "1", .project = "First", .tape = "R" }) },
         nullptr);
     EXPECT_EQ(proposal(dialog), path("First_R_SoundReport.pdf"));
 }
@@ -60,7 +60,7 @@ TEST_F(ReportDialog, aTakeFromTheRootFolderHasNoRollNameToPropose)
 TEST_F(ReportDialog, aSlashInTheProjectNamesAFurtherFolder)
 {
     subfolder("A");
-    SoundReportDialog dialog({ addTake("a.wav", { .tape = "R", .project = "A/B" }) }, nullptr);
+    SoundReportDialog dialog({ addTake("a.wav", { .project = "A/B", .tape = "R" }) }, nullptr);
     EXPECT_EQ(proposal(dialog), path("A/B_R_SoundReport.pdf"));
 }
 
@@ -114,7 +114,7 @@ TEST_F(ReportDialog, theReportIsWrittenInItsFormatAndAToastSaysSo)
 TEST_F(ReportDialog, theProposalCanBeTakenAsItIs)
 {
     setSetting("soundreport.outputFormat", "1");
-    SoundReportDialog dialog({ addTake("a.wav", { .tape = "R", .project = "Doc" }) }, nullptr);
+    SoundReportDialog dialog({ addTake("a.wav", { .project = "Doc", .tape = "R" }) }, nullptr);
     whenModal<QFileDialog>(
         [](QFileDialog& chooser) { QTest::keyClick(&childOf<QLineEdit>(chooser, "fileNameEdit"), Qt::Key_Return); });
     click(dialog, "createReportButton");

@@ -141,7 +141,8 @@ TEST_F(ReportDialog, aFileThatVanishesAfterTheCountIsCountedAndNotShown)
 TEST_F(ReportDialog, aRowShowsSixTextsOfItsTake)
 {
     const SoundReportDialog dialog(
-        { addTake("AAD0012_1.wav", { .scene = "12", .take = "3", .tape = "R7", .project = "Doc", .seconds = 90 }) },
+        { addTake("AAD0012_1.wav",
+            { .scene = "12", .take = "3", .project = "Doc", .tape = "R7", .frameRate = "25/1", .seconds = 90 }) },
         nullptr);
     EXPECT_EQ(rowTexts(dialog, 0), (QStringList{ "AAD0012", "12", "3", "Doc", "R7", "00:01:30:00" }));
 }
@@ -172,12 +173,14 @@ TEST_F(ReportDialog, aClickedRowIsShownInFull)
     const QString name = addTake("AAD0012_01.wav",
         { .scene = "12A",
             .take = "3",
-            .tape = "R7",
             .project = "Doc",
+            .tape = "R7",
             .note = "a &amp; b",
-            .tracks = { "Boom", "Lav" },
+            .frameRate = "25/1",
             .timeReference = 48000ull * 3723,
+            .timestampRate = 48000,
             .channels = 2,
+            .trackNames = { "Boom", "Lav" },
             .seconds = 30 });
     QFile file(name);
     ASSERT_TRUE(file.open(QIODevice::ReadWrite));
