@@ -122,24 +122,29 @@ void BwfMetadataReader::readBextChunk(const std::string& path, BwfMetadata& reco
     readBextChunk(path, record, stream, chunks);
 }
 
-// The 602 bytes are read whatever the chunk's size says, so a shorter chunk is read on into what follows it. They are
-// reached through the chunk's header, eight bytes in front of the payload in 32 bits.
 bool BwfMetadataReader::readBextChunk(
     const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks)
 {
     const OpenedFile opened(stream, path);
     if (!stream)
         return false;
+    takeBextChunk(stream, record, chunks);
+    return true;
+}
+
+// The 602 bytes are read whatever the chunk's size says, so a shorter chunk is read on into what follows it. They are
+// reached through the chunk's header, eight bytes in front of the payload in 32 bits.
+void BwfMetadataReader::takeBextChunk(std::istream& stream, BwfMetadata& record, ChunkMap& chunks)
+{
     if (!chunks.begin(stream))
-        return true;
+        return;
     const auto chunk = chunks.find(stream, "bext");
     if (!chunk)
-        return true;
+        return;
     const uint64_t begin = uint64_t{ chunk->position - ChunkWalk::kHeaderBytes } + ChunkWalk::kHeaderBytes;
     std::array<char, kFixedBytes> payload;
     const std::size_t arrived = chunks.read(stream, begin, payload.data(), payload.size());
     takeFixedFields({ payload.data(), arrived }, record);
     if (chunk->size > kHistoryReserve)
         record.codingHistory = readUpToNul(stream, begin + kFixedBytes, chunk->size - kHistoryReserve, chunks);
-    return true;
 }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <fstream>
 #include <utility>
 
@@ -57,23 +58,15 @@ constexpr SharedText kSharedTexts[] = {
 /// Reads what the plan needs, builds the patches, and reads the record that they give.
 class Planning {
 public:
-    Planning(const std::string& path, const InPlaceWish& wanted) : wish(wanted)
+    Planning(const InPlaceWish& wanted, const MetadataChanges& wantedChanges, std::istream& source)
+        : wish(wanted), changes(wantedChanges), stream(source)
     {
-        stream.rdbuf()->pubsetbuf(nullptr, 0);
-        stream.open(path, std::ios::in | std::ios::binary);
     }
 
     EditPlan plan()
     {
-        changes = changesBetween(wish.current, wish.updated);
-        changes.timeReference = wish.start.has_value();
-        if (!changes.any())
-            return std::move(result);
-        if (!stream) {
-            problem(Kind::Unreadable);
-            return std::move(result);
-        }
-        build();
+        if (stream)
+            build();
         if (!stream || blocks->brokeOff()) {
             result.patches.clear();
             result.problems.clear();
@@ -198,18 +191,27 @@ private:
         }
     }
 
-    /// The record that the reader gives afterwards, as far as it is compared.
-    BwfMetadata afterwards() const
+    /// What the reader takes from the iXML afterwards, with the start of `bext` behind it.
+    BwfMetadata ixmlAfterwards() const
     {
         BwfMetadata after;
         after.sampleRate = wish.current.sampleRate;
-        const EditPlan::Patch* const description = result.patchOf(Place::Description);
-        after.description
-            = description ? description->after.substr(0, description->after.find('\0')) : wish.current.description;
         const uint64_t start = wish.start.value_or(wish.current.timeReference);
         after.timeReference = start <= kMostTimeReference ? start : 0;
         if (hasIxml)
             BwfMetadataReader::parseIxml(payload, after);
+        return after;
+    }
+
+    /// The record that the reader gives afterwards, as far as it is compared. An empty text adds to what the iXML says
+    /// what only the Description does.
+    BwfMetadata afterwards(BwfMetadata after) const
+    {
+        const EditPlan::Patch* const description = result.patchOf(Place::Description);
+        after.description
+            = description ? description->after.substr(0, description->after.find('\0')) : wish.current.description;
+        if (hasIxml)
+            BwfMetadataReader::parseIxml({}, after);
         return after;
     }
 
@@ -219,9 +221,10 @@ private:
             [](const EditPlan::Problem& each) { return each.kind != Kind::DescriptionFull; });
         if (isBlocked)
             return; // What stands in the way was said; every field would come out as it was.
-        const BwfMetadata after = afterwards();
+        const BwfMetadata alone = ixmlAfterwards();
+        const BwfMetadata after = afterwards(alone);
         const BwfMetadata wanted = wish.usePadding ? escapedForXml(wish.updated, wish.current) : wish.updated;
-        compareTexts(after, wanted);
+        compareTexts(alone, after, wanted);
         if (changes.bext && !wish.updated.ubits.empty() && !sameUbits(after.ubits, wish.updated.ubits))
             problem(Kind::NotKept, 0, "ubits");
         if (after.circled != wanted.circled)
@@ -233,12 +236,9 @@ private:
         compareTracks(after, wanted);
     }
 
-    /// The iXML is read by itself, since the Description fills what it doesn't say.
-    void compareTexts(const BwfMetadata& after, const BwfMetadata& wanted)
+    /// A new value must stand in the iXML itself, since the Description fills only what that doesn't say.
+    void compareTexts(const BwfMetadata& alone, const BwfMetadata& after, const BwfMetadata& wanted)
     {
-        BwfMetadata alone;
-        if (changes.ixml && hasIxml)
-            BwfMetadataReader::parseIxml(payload, alone);
         for (const SharedText& text : kSharedTexts) {
             const std::string& value = wanted.*text.field;
             const bool isChanged = !value.empty() && value != wish.current.*text.field;
@@ -260,74 +260,13 @@ private:
     }
 
     const InPlaceWish& wish;
-    std::ifstream stream;
+    const MetadataChanges& changes;
+    std::istream& stream;
     std::optional<ChunkWalk> blocks;
     ChunkList list;
-    MetadataChanges changes;
     std::string payload; // Of the iXML as it will be.
     bool hasIxml = false;
     EditPlan result;
-};
-
-/// The file while its patches are written. Without a buffer, so that each write reaches it, and fails, by itself.
-class Writing {
-public:
-    Writing(const std::string& path, const EditPlan& plannedEdit) : plan(plannedEdit)
-    {
-        stream.rdbuf()->pubsetbuf(nullptr, 0);
-        errno = 0;
-        stream.open(path, std::ios::in | std::ios::out | std::ios::binary);
-        error = { errno, std::generic_category() };
-    }
-
-    EditWrite write()
-    {
-        EditWrite result;
-        if (!stream)
-            return { EditWrite::State::NotOpened, 0, error };
-        if (!isAsPlanned())
-            return { EditWrite::State::ChangedMeanwhile, 0, {} };
-        while (result.patchesDone < plan.patches.size() && put(plan.patches[result.patchesDone]))
-            ++result.patchesDone;
-        const bool allDone = result.patchesDone == plan.patches.size();
-        if (!allDone || !hasTheLength() || !holdsAll(&EditPlan::Patch::after))
-            result.state = EditWrite::State::Failed;
-        return result;
-    }
-
-private:
-    bool isAsPlanned() { return hasTheLength() && holdsAll(&EditPlan::Patch::before); }
-
-    bool hasTheLength()
-    {
-        const std::streamoff end = stream.rdbuf()->pubseekoff(0, std::ios::end);
-        return end >= 0 && static_cast<uint64_t>(end) == plan.fileBytes;
-    }
-
-    bool holdsAll(std::string EditPlan::Patch::*side)
-    {
-        return std::all_of(plan.patches.begin(), plan.patches.end(),
-            [this, side](const EditPlan::Patch& patch) { return holds(patch.offset, patch.*side); });
-    }
-
-    bool holds(uint64_t offset, const std::string& wanted)
-    {
-        std::string there(wanted.size(), '\0');
-        stream.seekg(static_cast<std::streamoff>(offset));
-        stream.read(there.data(), static_cast<std::streamsize>(there.size()));
-        return stream && there == wanted;
-    }
-
-    bool put(const EditPlan::Patch& patch)
-    {
-        stream.seekp(static_cast<std::streamoff>(patch.offset));
-        stream.write(patch.after.data(), static_cast<std::streamsize>(patch.after.size()));
-        return stream.good();
-    }
-
-    const EditPlan& plan;
-    std::fstream stream;
-    std::error_code error;
 };
 
 } // namespace
@@ -339,14 +278,78 @@ const EditPlan::Patch* EditPlan::patchOf(Place place) const
     return found == patches.end() ? nullptr : &*found;
 }
 
-EditPlan planEdit(const std::string& path, const InPlaceWish& wish)
+void InPlaceFile::open()
 {
-    return Planning(path, wish).plan();
+    stream.rdbuf()->pubsetbuf(nullptr, 0);
+    if (wantsWriting) {
+        errno = 0;
+        stream.open(path, std::ios::in | std::ios::out | std::ios::binary);
+        if (stream)
+            return;
+        notWritable = { errno, std::generic_category() };
+        stream.clear();
+    }
+    stream.open(path, std::ios::in | std::ios::binary);
 }
 
-EditWrite writePlan(const std::string& path, const EditPlan& plan)
+std::optional<BwfMetadata> InPlaceFile::read()
 {
-    if (plan.patches.empty())
+    // Opening a pipe would wait for its other end; asking for its size throws.
+    (void)std::filesystem::file_size(path);
+    open();
+    return stream ? BwfMetadataReader::readMetadataWhole(path, stream) : std::nullopt;
+}
+
+EditPlan InPlaceFile::plan(const InPlaceWish& wish)
+{
+    MetadataChanges changes = changesBetween(wish.current, wish.updated);
+    changes.timeReference = wish.start.has_value();
+    if (!changes.any())
         return {};
-    return Writing(path, plan).write();
+    stream.clear();
+    return Planning(wish, changes, stream).plan();
+}
+
+EditWrite InPlaceFile::write(const EditPlan& plan)
+{
+    EditWrite result;
+    if (plan.patches.empty())
+        return result;
+    if (!wantsWriting || notWritable)
+        return { EditWrite::State::NotOpened, 0, notWritable };
+    if (!hasTheLength(plan))
+        return { EditWrite::State::ChangedMeanwhile, 0, {} };
+    while (result.patchesDone < plan.patches.size() && put(plan.patches[result.patchesDone]))
+        ++result.patchesDone;
+    const bool allDone = result.patchesDone == plan.patches.size();
+    if (!allDone || !hasTheLength(plan) || !holdsAll(plan))
+        result.state = EditWrite::State::Failed;
+    return result;
+}
+
+bool InPlaceFile::hasTheLength(const EditPlan& plan)
+{
+    const std::streamoff end = stream.rdbuf()->pubseekoff(0, std::ios::end);
+    return end >= 0 && static_cast<uint64_t>(end) == plan.fileBytes;
+}
+
+bool InPlaceFile::holdsAll(const EditPlan& plan)
+{
+    return std::all_of(plan.patches.begin(), plan.patches.end(),
+        [this](const EditPlan::Patch& patch) { return holds(patch.offset, patch.after); });
+}
+
+bool InPlaceFile::holds(uint64_t offset, const std::string& wanted)
+{
+    std::string there(wanted.size(), '\0');
+    stream.seekg(static_cast<std::streamoff>(offset));
+    stream.read(there.data(), static_cast<std::streamsize>(there.size()));
+    return stream && there == wanted;
+}
+
+bool InPlaceFile::put(const EditPlan::Patch& patch)
+{
+    stream.seekp(static_cast<std::streamoff>(patch.offset));
+    stream.write(patch.after.data(), static_cast<std::streamsize>(patch.after.size()));
+    return stream.good();
 }

@@ -1,13 +1,16 @@
 #pragma once
 
+#include "core/BwfMetadata.h"
+
+#include <cstddef>
 #include <cstdint>
+#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
-
-struct BwfMetadata;
 
 /// What is wanted of a file. Records are not owned and must outlive the wish.
 struct InPlaceWish {
@@ -72,9 +75,6 @@ struct EditPlan {
     const Patch* patchOf(Place place) const;
 };
 
-/// What the file at `path` would become. Reads, writes nothing. Any thread; blocks.
-EditPlan planEdit(const std::string& path, const InPlaceWish& wish);
-
 /// How a write ended.
 struct EditWrite {
     enum class State {
@@ -82,7 +82,7 @@ struct EditWrite {
         Written,
         /// The file couldn't be opened for writing, for `error`. It is untouched.
         NotOpened,
-        /// The file is no longer the one that was planned for. It is untouched.
+        /// The file has another length than was planned for. It is untouched.
         ChangedMeanwhile,
         /// A write failed, or what was read back is something else; places from `patchesDone` on are unknown.
         Failed,
@@ -93,6 +93,34 @@ struct EditWrite {
     std::error_code error;
 };
 
-/// Writes the patches of a plan, each with one write, and reads them back. Never makes the file longer or shorter.
-/// Blocks; any thread, as long as no two work on one file.
-[[nodiscard]] EditWrite writePlan(const std::string& path, const EditPlan& plan);
+/// One file for one edit. It is opened once, so that what was read and planned for is what is written to.
+/// One thread, as long as no two work on one file; calls block.
+class InPlaceFile {
+public:
+    /// `forWriting` false never opens it for writing.
+    InPlaceFile(std::string filePath, bool forWriting) : path(std::move(filePath)), wantsWriting(forWriting) { }
+
+    /// Opens the file and reads its record, as BwfMetadataReader::readMetadataWhole does; a file that can't be opened
+    /// for writing is read all the same. Nothing if it can't be opened, or not be read whole. Call once, first. Throws
+    /// std::filesystem::filesystem_error if there is no such file or it is no regular one.
+    std::optional<BwfMetadata> read();
+
+    /// What the file would become. Writes nothing.
+    EditPlan plan(const InPlaceWish& wish);
+
+    /// Writes the patches of the plan, each with one write, and reads them back. Never makes the file longer or
+    /// shorter.
+    [[nodiscard]] EditWrite write(const EditPlan& plan);
+
+private:
+    void open();
+    bool hasTheLength(const EditPlan& plan);
+    bool holdsAll(const EditPlan& plan);
+    bool holds(uint64_t offset, const std::string& wanted);
+    bool put(const EditPlan::Patch& patch);
+
+    std::string path;
+    bool wantsWriting;
+    std::fstream stream; // Without a buffer, so that each write reaches the file, and fails, by itself.
+    std::error_code notWritable; // Why it isn't open for writing.
+};

@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <random>
 #include <string>
@@ -68,8 +70,19 @@ protected:
                 .chunk("more", "tail"));
     }
 
-    EditPlan plan(bool usePadding = false) const { return planEdit(path, { current, updated, start, usePadding }); }
-    State write(bool usePadding = false) const { return writePlan(path, plan(usePadding)).state; }
+    EditPlan plan(bool usePadding = false) const
+    {
+        InPlaceFile file(path, false);
+        (void)file.read(); // It is `current`.
+        return file.plan({ current, updated, start, usePadding });
+    }
+    State write(bool usePadding = false) const
+    {
+        InPlaceFile file(path, true);
+        EXPECT_TRUE(file.read());
+        const EditPlan made = file.plan({ current, updated, start, usePadding });
+        return file.write(made).state;
+    }
     std::vector<Kind> problems(bool usePadding = false) const
     {
         std::vector<Kind> kinds;
@@ -215,35 +228,41 @@ TEST_F(InPlaceEdit, valueThatWouldNotComeOutAgainIsNotKept)
     EXPECT_EQ("scene", plan(true).problems[0].field);
 }
 
-TEST_F(InPlaceEdit, fileThatChangedSinceThePlanStaysUntouched)
+TEST_F(InPlaceEdit, fileThatChangedItsLengthSinceThePlanStaysUntouched)
 {
-    putUsual();
-    updated.scene = "13";
-    const EditPlan made = plan();
-    for (const std::string& chunk : { std::string("bext"), std::string("iXML") }) {
-        std::string bytes = builder.bytes();
-        bytes[builder.payloadOffset(chunk) + 9] ^= 1;
-        writeBytes(path, bytes);
+    for (const bool grows : { true, false }) {
+        putUsual();
+        updated.scene = "13";
+        InPlaceFile file(path, true);
+        EXPECT_TRUE(file.read());
+        const EditPlan made = file.plan({ current, updated, start, false });
+        fs::resize_file(path, grows ? builder.bytes().size() + 1 : builder.bytes().size() - 1);
         const FileProof proof(path);
-        EXPECT_EQ(State::ChangedMeanwhile, writePlan(path, made).state);
+        EXPECT_EQ(State::ChangedMeanwhile, file.write(made).state);
         EXPECT_EQ("", proof.untouched());
     }
-    writeBytes(path, builder.bytes() + "x");
-    const FileProof proof(path);
-    EXPECT_EQ(State::ChangedMeanwhile, writePlan(path, made).state);
-    EXPECT_EQ("", proof.untouched());
 }
 
-TEST_F(InPlaceEdit, fileThatIsGoneIsNotOpened)
+TEST_F(InPlaceEdit, whatIsNoFileIsNotRead)
+{
+    EXPECT_THROW((void)InPlaceFile(path, true).read(), fs::filesystem_error);
+    EXPECT_FALSE(fs::exists(path));
+    EXPECT_THROW((void)InPlaceFile(folder.path().string(), true).read(), fs::filesystem_error);
+    ASSERT_EQ(0, mkfifo(path.c_str(), 0600));
+    EXPECT_THROW((void)InPlaceFile(path, true).read(), fs::filesystem_error) << "and doesn't wait for the other end";
+}
+
+TEST_F(InPlaceEdit, fileThatMayOnlyBeReadIsPlannedForAndNotWritten)
 {
     putUsual();
     updated.scene = "13";
-    const EditPlan made = plan();
-    fs::remove(path);
-    const EditWrite result = writePlan(path, made);
-    EXPECT_EQ(State::NotOpened, result.state);
-    EXPECT_EQ(std::errc::no_such_file_or_directory, result.error);
-    EXPECT_FALSE(fs::exists(path));
+    InPlaceFile file(path, false);
+    ASSERT_TRUE(file.read());
+    const EditPlan made = file.plan({ current, updated, start, false });
+    EXPECT_EQ(2u, made.patches.size());
+    const FileProof proof(path);
+    EXPECT_EQ(State::NotOpened, file.write(made).state);
+    EXPECT_EQ("", proof.untouched());
 }
 
 // Files and edits of all kinds, with what stands in the way of the writer among them.
@@ -308,8 +327,10 @@ TEST_F(AgainstTheWriter, plainEditGivesTheBytesOfTheWriterWholeOrInPart)
         put(file());
         fs::copy_file(path, twin, fs::copy_options::overwrite_existing);
         want();
-        const EditPlan made = plan();
-        ASSERT_EQ(State::Written, writePlan(path, made).state);
+        InPlaceFile edited(path, true);
+        ASSERT_TRUE(edited.read());
+        const EditPlan made = edited.plan({ current, updated, start, false });
+        ASSERT_EQ(State::Written, edited.write(made).state);
         (void)BwfMetadataWriter::writeMetadata(twin, updated); // Its bytes are what counts.
         ASSERT_EQ(readBytes(twin), readBytes(path)) << "round " << round;
         if (!made.patches.empty())
@@ -326,11 +347,13 @@ TEST_F(AgainstTheWriter, wholeEditReadsBackAsItWasAskedForAndTheRestAsBefore)
         put(file());
         want();
         start = pick(3) == 0 ? std::optional<uint64_t>(pick(200000)) : std::nullopt;
-        const EditPlan made = plan(pick(2) == 0);
+        const FileProof proof(path);
+        InPlaceFile edited(path, true);
+        ASSERT_TRUE(edited.read());
+        const EditPlan made = edited.plan({ current, updated, start, pick(2) == 0 });
         if (!made.problems.empty())
             continue;
-        const FileProof proof(path);
-        ASSERT_EQ(State::Written, writePlan(path, made).state);
+        ASSERT_EQ(State::Written, edited.write(made).state);
         const size_t bext = builder.payloadOffset("bext");
         const size_t ixmlAt = builder.payloadOffset("iXML");
         ASSERT_EQ("",
