@@ -3,6 +3,7 @@
 #include "cli/DumpCommand.h"
 #include "cli/FileRun.h"
 #include "cli/PlainText.h"
+#include "cli/SetCommand.h"
 #include "cli/VerifyCommand.h"
 
 #include <algorithm>
@@ -17,6 +18,7 @@ constexpr std::size_t kGapBytes = 2; // Between two columns of the help.
 
 constexpr std::array kCommands{
     kDumpCommand,
+    kSetCommand,
     kVerifyCommand,
 };
 
