@@ -1,8 +1,10 @@
 #include "cli/CommandLine.h"
 
+#include "cli/CheckCommand.h"
 #include "cli/DumpCommand.h"
 #include "cli/FileRun.h"
 #include "cli/PlainText.h"
+#include "cli/ReportCommand.h"
 #include "cli/SetCommand.h"
 #include "cli/VerifyCommand.h"
 
@@ -18,6 +20,8 @@ constexpr std::size_t kGapBytes = 2; // Between two columns of the help.
 
 constexpr std::array kCommands{
     kDumpCommand,
+    kCheckCommand,
+    kReportCommand,
     kSetCommand,
     kVerifyCommand,
 };

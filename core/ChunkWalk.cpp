@@ -75,7 +75,7 @@ void ChunkWalk::skipEmptyChunks()
 
 std::size_t ChunkWalk::read(std::istream& stream, uint64_t offset, char* target, std::size_t count)
 {
-    if (!stream)
+    if (!stream || count == 0) // A block behind the end of the file has no memory to copy nothing from.
         return 0;
     if (available(offset, count) == count) {
         if (const Block* block = blockWith(stream, offset, count)) {
