@@ -11,7 +11,7 @@
 inline constexpr auto kCheckOptions = [] {
     std::array<Option, std::size(kEditOptions)> options{};
     options[0] = { .name = "json", .words = "one JSON object a file, one a line" };
-    for (std::size_t i = 1; i < options.size(); ++i)
+    for (size_t i = 1; i < options.size(); ++i)
         options[i] = kEditOptions[i - 1];
     return options;
 }();

@@ -5,6 +5,7 @@
 #include "cli/FileRun.h"
 #include "cli/PlainText.h"
 #include "cli/ReportCommand.h"
+#include "cli/SetCommand.h"
 #include "cli/VerifyCommand.h"
 
 #include <algorithm>
@@ -15,12 +16,13 @@
 namespace {
 
 constexpr std::string_view kProgram = "tagwell-cli";
-constexpr std::size_t kGapBytes = 2; // Between two columns of the help.
+constexpr size_t kGapBytes = 2; // Between two columns of the help.
 
 constexpr std::array kCommands{
     kDumpCommand,
     kCheckCommand,
     kReportCommand,
+    kSetCommand,
     kVerifyCommand,
 };
 
@@ -35,7 +37,7 @@ std::string optionTitle(const Option& option)
 
 void printRows(std::ostream& out, const std::vector<std::pair<std::string, std::string_view>>& rows)
 {
-    std::size_t width = 0;
+    size_t width = 0;
     for (const auto& [title, words] : rows)
         width = std::max(width, title.size());
     for (const auto& [title, words] : rows)
@@ -45,7 +47,7 @@ void printRows(std::ostream& out, const std::vector<std::pair<std::string, std::
 void printLines(std::ostream& out, std::string_view lines)
 {
     while (!lines.empty()) {
-        const std::size_t end = std::min(lines.find('\n'), lines.size());
+        const size_t end = std::min(lines.find('\n'), lines.size());
         out << "  " << lines.substr(0, end) << '\n';
         lines.remove_prefix(std::min(end + 1, lines.size()));
     }

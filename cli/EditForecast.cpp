@@ -148,7 +148,7 @@ private:
         }
         if (!(changes.bext || changes.timeReference) || !places.isUsable(places.bext))
             return false;
-        const std::size_t wantedBytes
+        const size_t wantedBytes
             = changes.timeReference ? BextLayout::kTimeReference.end() : BextLayout::kDescription.size;
         const uint32_t step = places.bext->size + places.bext->size % 2; // In 32 bits, as the walk has it.
         if (step >= wantedBytes)
@@ -182,7 +182,7 @@ private:
             return true;
         }
         const std::string text = editedDescription(current, wanted);
-        const std::size_t room = BextLayout::kDescription.size - 1;
+        const size_t room = BextLayout::kDescription.size - 1;
         std::string field = text.substr(0, room);
         field.resize(BextLayout::kDescription.size, '\0');
         forecast.descriptionField = field;
@@ -229,12 +229,12 @@ private:
             return true;
         }
         std::string text = file.read(Places::payload(*places.ixml), places.ixml->size);
-        const std::size_t room = text.size();
+        const size_t room = text.size();
         std::optional<std::string> edited = editedIxml(std::move(text), current, wanted);
         return !edited || takeIxml(std::move(*edited), room);
     }
 
-    bool takeIxml(std::string edited, std::size_t room)
+    bool takeIxml(std::string edited, size_t room)
     {
         if (edited.size() > room) {
             forecast.ixmlMissing = edited.size() - room;
@@ -309,7 +309,7 @@ private:
             miss("wild track flag");
         if (wanted.timeReference != 0 && after.timeReference != wanted.timeReference)
             miss("start");
-        for (std::size_t i = 0; i < wanted.tracks.size(); ++i) {
+        for (size_t i = 0; i < wanted.tracks.size(); ++i) {
             const BwfTrack& track = wanted.tracks[i];
             const bool kept = i < after.tracks.size() && after.tracks[i].name == track.name
                 && after.tracks[i].function == track.function;

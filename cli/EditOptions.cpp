@@ -89,14 +89,14 @@ ParsedEdit parseEdit(const Arguments& arguments)
 std::optional<TrackEdit> parseTrackEdit(std::string_view text)
 {
     TrackEdit track;
-    const std::size_t sign = text.find('=');
+    const size_t sign = text.find('=');
     if (sign == std::string_view::npos)
         return std::nullopt;
     const char* const end = text.data() + sign;
     const auto [stop, error] = std::from_chars(text.data(), end, track.channelIndex);
     if (error != std::errc() || stop != end || track.channelIndex < 1)
         return std::nullopt;
-    for (std::size_t at = sign + 1; at < text.size(); ++at) {
+    for (size_t at = sign + 1; at < text.size(); ++at) {
         std::string& target = track.function ? *track.function : track.name;
         if (text[at] == '/') {
             if (track.function)
@@ -114,10 +114,10 @@ std::optional<TrackEdit> parseTrackEdit(std::string_view text)
 bool looksLikeTimecode(std::string_view text)
 {
     constexpr std::string_view kForm = "00:00:00:00";
-    constexpr std::size_t kLastSign = 8;
+    constexpr size_t kLastSign = 8;
     if (text.size() != kForm.size())
         return false;
-    for (std::size_t i = 0; i < kForm.size(); ++i) {
+    for (size_t i = 0; i < kForm.size(); ++i) {
         const bool fits = kForm[i] == '0' ? isDigit(text[i]) : text[i] == ':' || (i == kLastSign && text[i] == ';');
         if (!fits)
             return false;

@@ -16,9 +16,9 @@
 
 namespace {
 
-constexpr std::size_t kBextBytes = 602;
-constexpr std::size_t kFileHeaderBytes = 8; // Id and size; the size doesn't count them.
-constexpr std::size_t kSizeOffset = 4;
+constexpr size_t kBextBytes = 602;
+constexpr size_t kFileHeaderBytes = 8; // Id and size; the size doesn't count them.
+constexpr size_t kSizeOffset = 4;
 constexpr uint64_t kTwoTo32 = uint64_t{ 1 } << 32;
 constexpr double kRateTolerance = 0.01; // 23.976 and 23.98 are one rate.
 
@@ -152,7 +152,7 @@ void checkText(const char* key, const std::string& field, std::string_view ixml,
 // "24000/1001", "25", "23.976", "023.976-ND" and "29.97DF".
 std::optional<double> rateIn(std::string_view text)
 {
-    const std::size_t slash = text.find('/');
+    const size_t slash = text.find('/');
     const std::optional<double> above = NumberText::parseDouble(text.substr(0, slash));
     if (slash == std::string_view::npos || !above)
         return above;
@@ -282,7 +282,7 @@ void checkInterleave(const CheckedFile& file, Findings& findings)
 void checkTracks(const CheckedFile& file, Findings& findings)
 {
     const uint16_t channels = file.facts.record.channels;
-    const std::size_t tracks = file.ixml.tracks.size();
+    const size_t tracks = file.ixml.tracks.size();
     if (channels == 0 || tracks == 0 || file.ixml.form != IxmlDocument::Form::WellFormed)
         return;
     if (tracks != channels) {
@@ -348,9 +348,9 @@ std::map<std::string, std::string> descriptionValues(std::string_view descriptio
     std::map<std::string, std::string> values;
     const bool mayBeCut = description.size() + 1 >= BextLayout::kDescription.size;
     while (!description.empty()) {
-        const std::size_t end = description.find_first_of("\r\n");
+        const size_t end = description.find_first_of("\r\n");
         const std::string_view line = description.substr(0, end);
-        const std::size_t sign = line.find('=');
+        const size_t sign = line.find('=');
         if (end == std::string_view::npos && mayBeCut)
             break;
         description.remove_prefix(end == std::string_view::npos ? description.size() : end + 1);

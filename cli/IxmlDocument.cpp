@@ -13,7 +13,7 @@ constexpr int kTrackDepth = 3;
 
 std::string_view withoutPadding(std::string_view payload)
 {
-    const std::size_t last = payload.find_last_not_of('\0');
+    const size_t last = payload.find_last_not_of('\0');
     return payload.substr(0, last == std::string_view::npos ? 0 : last + 1);
 }
 
@@ -25,13 +25,13 @@ std::string declaredEncoding(std::string_view text)
     if (!text.starts_with("<?xml"))
         return {};
     const std::string_view declaration = text.substr(0, text.find("?>"));
-    const std::size_t key = declaration.find(kKey);
+    const size_t key = declaration.find(kKey);
     if (key == std::string_view::npos)
         return {};
-    const std::size_t open = declaration.find_first_of("\"'", key + kKey.size());
+    const size_t open = declaration.find_first_of("\"'", key + kKey.size());
     if (open == std::string_view::npos)
         return {};
-    const std::size_t close = declaration.find(declaration[open], open + 1);
+    const size_t close = declaration.find(declaration[open], open + 1);
     return NumberText::toUpperAscii(
         declaration.substr(open + 1, close == std::string_view::npos ? close : close - open - 1));
 }
@@ -86,7 +86,7 @@ private:
         text.clear();
         if (++depth > kMostDepth)
             return;
-        path.resize(static_cast<std::size_t>(depth));
+        path.resize(static_cast<size_t>(depth));
         path.back() = NumberText::toUpperAscii(reader.name().toString().toStdString());
         if (depth == kTrackDepth && below(1) == "TRACK_LIST/TRACK")
             document.tracks.emplace_back();
@@ -120,10 +120,10 @@ private:
     }
 
     /// The path from element `first` on.
-    std::string below(std::size_t first) const
+    std::string below(size_t first) const
     {
         std::string joined;
-        for (std::size_t i = first; i < static_cast<std::size_t>(depth) && i < path.size(); ++i)
+        for (size_t i = first; i < static_cast<size_t>(depth) && i < path.size(); ++i)
             joined.append(joined.empty() ? "" : "/").append(path[i]);
         return joined;
     }

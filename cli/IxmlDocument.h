@@ -10,7 +10,7 @@
 /// is no XML is told. A plain value; texts are UTF-8.
 struct IxmlDocument {
     /// Texts beyond this many bytes aren't parsed: real ones have some kilobytes.
-    static constexpr std::size_t kMostBytes = std::size_t{ 1 } << 20;
+    static constexpr size_t kMostBytes = size_t{ 1 } << 20;
 
     enum class Form {
         WellFormed,

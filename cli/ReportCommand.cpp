@@ -151,7 +151,7 @@ Exit writeReport(const Arguments& arguments, const std::string& target, Io& io)
     NewFile report(target);
     Roll roll;
     std::vector<AvidClip> clips;
-    std::size_t done = 0;
+    size_t done = 0;
     const Exit result = forEachFile(files.paths, io,
         { .work =
                 [&](const std::string& path, std::string&) {

@@ -6,7 +6,7 @@
 namespace {
 
 constexpr double kUnknownFrame = 1.0 / 24; // Seconds; a rate that isn't known can't matter much here.
-constexpr std::size_t kMostCompared = 64; // Takes of one name that a file is compared with.
+constexpr size_t kMostCompared = 64; // Takes of one name that a file is compared with.
 
 // A separator that no text of an iXML can hold keeps joined texts apart.
 std::string joined(std::string_view first, std::string_view second)
@@ -63,7 +63,7 @@ void TakeLedger::checkName(const Entry& entry, std::vector<Finding>& findings) c
     const auto found = byTake.find(entry.take);
     if (entry.take.empty() || found == byTake.end())
         return;
-    for (const std::size_t index : found->second) {
+    for (const size_t index : found->second) {
         const Entry& other = entries[index];
         const bool otherRecorder = entry.roll != other.roll && entry.overlaps(other);
         if (entry.belongsTo(other) || otherRecorder)

@@ -37,7 +37,7 @@ private:
     };
 
     struct Roll {
-        std::multimap<double, std::size_t> byBegin;
+        std::multimap<double, size_t> byBegin;
         double longest = 0.0; // Seconds.
     };
 
@@ -47,7 +47,7 @@ private:
     void checkRoll(const Entry& entry, std::vector<Finding>& findings) const;
 
     std::vector<Entry> entries;
-    std::unordered_map<std::string, std::vector<std::size_t>> byTake;
+    std::unordered_map<std::string, std::vector<size_t>> byTake;
     std::unordered_map<std::string, Roll> rolls;
-    std::unordered_map<std::string, std::size_t> byUid;
+    std::unordered_map<std::string, size_t> byUid;
 };

@@ -37,18 +37,19 @@ protected:
         // Qt writes the fonts of a PDF in the order of a hash, which is another one in each process: two PDFs of the
         // window differ by that, too.
         QHashSeed::setDeterministicGlobalSeed();
-        TakeFile take{ .scene = "12", .take = "2", .tape = "R1", .note = "first, \"loud\"\nthen soft" };
-        take.tracks = { "Boom", "Lav; spare" };
-        take.channels = 2;
+        Recording take{ .scene = "12", .take = "2", .tape = "R1", .note = "first, \"loud\"\nthen soft" };
+        take.trackNames = { "Boom", "Lav; spare" };
+        take.frameRate = "25/1";
+        take.timestampRate = 48000;
         take.timeReference = uint64_t{ 48000 } * 3600;
         take.seconds = 3;
         files.append(addTake("b.wav", take));
         take.take = "1";
         take.timeReference += 48000 * 10;
-        take.timecodeRate = "24000/1001";
+        take.frameRate = "24000/1001";
         files.append(addTake("AAD0002_1.wav", take));
         take.scene = "";
-        take.timecodeRate = "";
+        take.frameRate = "";
         files.append(addTake("c.wav", take));
     }
 
