@@ -20,7 +20,7 @@ void keepQuiet()
 void setIdentity()
 {
     QCoreApplication::setApplicationName(QStringLiteral("Tagwell"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("1.0.15"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TAGWELL_VERSION));
     QCoreApplication::setOrganizationName(QStringLiteral("Brindle Audio"));
     QCoreApplication::setOrganizationDomain(QStringLiteral("brindleaudio.com"));
     QGuiApplication::setQuitOnLastWindowClosed(true);

@@ -1,5 +1,7 @@
 # What all folders share: the build options, one function for each kind of target, and Qt.
 
+# Lower case, as the name of the package.
+set(CMAKE_INSTALL_DOCDIR "share/doc/tagwell" CACHE PATH "Where the manual and the other papers go.")
 include(GNUInstallDirs)
 
 add_library(tagwell_build_options INTERFACE)
@@ -11,6 +13,13 @@ target_compile_options(tagwell_build_options INTERFACE
 # gcc 12 sees overlapping copies in every "text" + string at -O3, where there are none.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   target_compile_options(tagwell_build_options INTERFACE -Wno-restrict)
+endif()
+if(TAGWELL_HARDEN)
+  # Nothing of the folder or the time of the build gets into the program: two builds give the same bytes.
+  target_compile_options(tagwell_build_options INTERFACE
+    -fPIC -fstack-protector-strong -fstack-clash-protection -D_FORTIFY_SOURCE=2
+    -Werror=date-time "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
+  target_link_options(tagwell_build_options INTERFACE -pie -Wl,-z,relro -Wl,-z,now)
 endif()
 if(TAGWELL_SANITIZE)
   target_compile_options(tagwell_build_options INTERFACE

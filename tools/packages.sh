@@ -1,16 +1,20 @@
 # Debian packages by purpose, and how to get the missing ones. Sourced by ./run, ./test and .ci/run.
 
-PACKAGES_BUILD="g++ cmake ninja-build pkg-config qt6-base-dev libgl-dev libpulse-dev libsamplerate0-dev"
+PACKAGES_BUILD="g++ cmake ninja-build pkg-config python3 qt6-base-dev libgl-dev libpulse-dev libsamplerate0-dev"
 # What the window looks and prints best with: a plain interface font, and a metric twin of the reports' font.
 PACKAGES_WINDOW="fonts-dejavu-core fonts-crosextra-carlito"
 # A virtual display and a person's hands on it.
-PACKAGES_DESKTOP="xvfb openbox xdotool imagemagick dbus at-spi2-core gir1.2-atspi-2.0 python3 python3-gi
+PACKAGES_DESKTOP="xvfb openbox xdotool x11-utils imagemagick dbus at-spi2-core gir1.2-atspi-2.0 python3 python3-gi
   pulseaudio pulseaudio-utils poppler-utils"
 # A memory card of its own for the manual's pictures.
 PACKAGES_PICTURES="mount util-linux"
 PACKAGES_TEST="libgtest-dev clang strace ffmpeg libimage-exiftool-perl qpdf poppler-utils pulseaudio pulseaudio-utils
-  python3 util-linux e2fsprogs mount procps locales binutils"
-PACKAGES_CI="ccache libbenchmark-dev libclang-rt-dev clang-format debootstrap desktop-file-utils"
+  python3 util-linux e2fsprogs mount procps locales binutils
+  appstream desktop-file-utils man-db mandoc dpkg-dev bash zsh fish flatpak-builder"
+# To make a Debian package, and to check it.
+PACKAGES_DEB="dpkg-dev"
+PACKAGES_DEB_CHECK="lintian ccache"
+PACKAGES_CI="ccache libbenchmark-dev libclang-rt-dev clang-format debootstrap"
 
 as_root()
 {

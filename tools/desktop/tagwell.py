@@ -10,12 +10,13 @@ FILE_COLUMNS = ("", "File Name", "File Size", "Channels", "TAPEID", "SCENE", "TA
 
 
 class Tagwell:
-    def __init__(self, desktop, program):
+    def __init__(self, desktop, program, *before):
+        """`before` are the words in front of the program that start it, such as "chroot" and a folder."""
         self.desktop = desktop
-        self.program = program
+        self.command = [*before, program]
 
     def start(self, files):
-        self.desktop.start([self.program, *files])
+        self.desktop.start([*self.command, *files])
         self.desktop.find("frame", "Tagwell")
         wait_until(lambda: self.row_count() == len(files), "a row for each file")
 

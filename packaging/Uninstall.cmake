@@ -1,0 +1,23 @@
+# cmake -DMANIFEST=.../install_manifest.txt -P Uninstall.cmake
+# Removes what an installation put in place, and the program's own folders if nothing else lies in them. Honours DESTDIR
+# as the installation did.
+if(NOT EXISTS "${MANIFEST}")
+  message(FATAL_ERROR "Nothing was installed from here: there is no ${MANIFEST}")
+endif()
+file(STRINGS "${MANIFEST}" installed)
+set(folders "")
+foreach(path IN LISTS installed)
+  message(STATUS "Removing $ENV{DESTDIR}${path}")
+  file(REMOVE "$ENV{DESTDIR}${path}")
+  if(path MATCHES "^(.*/tagwell(/pictures)?)/[^/]+$")
+    list(APPEND folders "$ENV{DESTDIR}${CMAKE_MATCH_1}")
+  endif()
+endforeach()
+list(REMOVE_DUPLICATES folders)
+list(SORT folders ORDER DESCENDING)
+foreach(folder IN LISTS folders)
+  file(GLOB left LIST_DIRECTORIES TRUE "${folder}/*" "${folder}/.*")
+  if(IS_DIRECTORY "${folder}" AND NOT left)
+    file(REMOVE_RECURSE "${folder}")
+  endif()
+endforeach()

@@ -1,0 +1,2 @@
+#compdef tagwell
+_arguments '*:recording:_files -g "*.(wav|WAV)"'
