@@ -47,7 +47,7 @@ TEST_F(CommandLine, versionIsTheFirstLine)
 {
     const CliResult result = runCli({ "--version" });
     EXPECT_EQ(Exit::Ok, result.exit);
-    EXPECT_EQ("tagwell-cli 1.0.15\n", result.out);
+    EXPECT_EQ("tagwell-cli " TAGWELL_VERSION "\n", result.out);
     EXPECT_EQ("", result.err);
 }
 

@@ -46,7 +46,7 @@ TEST_F(Program, startsWithoutADisplayAndEndsWithItsStatus)
     EXPECT_EQ(0, runProcess({ TAGWELL_CLI, "dump", "--json", all }, noDisplay).exitCode);
     EXPECT_EQ(1, runProcess({ TAGWELL_CLI, "dump", folder.file("gone.wav") }, noDisplay).exitCode);
     EXPECT_EQ(2, runProcess({ TAGWELL_CLI, "dump" }, noDisplay).exitCode);
-    EXPECT_EQ("tagwell-cli 1.0.15\n", runProcess({ TAGWELL_CLI, "--version" }, noDisplay).output);
+    EXPECT_EQ("tagwell-cli " TAGWELL_VERSION "\n", runProcess({ TAGWELL_CLI, "--version" }, noDisplay).output);
 }
 
 TEST_F(Program, fullDiskUnderStandardOutputGivesAStatus)

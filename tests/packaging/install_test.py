@@ -65,11 +65,12 @@ class Install(unittest.TestCase):
         self.assertTrue((moved / "bin" / "tagwell").exists())
         self.assertTrue((moved / "libexec" / "tagwell" / "fader.png").exists())
 
-    def theProgramHasNoRunPath(self):
+    def theProgramsHaveNoRunPath(self):
         self.install(self.prefix)
-        dynamic = run("readelf", "-d", self.prefix / "libexec" / "tagwell" / "tagwell").stdout
-        self.assertIn("(NEEDED)", dynamic)
-        self.assertNotRegex(dynamic, r"\((RUNPATH|RPATH)\)")
+        for program in PROGRAMS:
+            dynamic = run("readelf", "-d", self.prefix / "bin" / program).stdout
+            self.assertIn("(NEEDED)", dynamic)
+            self.assertNotRegex(dynamic, r"\((RUNPATH|RPATH)\)")
 
     def honoursDestdirAndUninstallLeavesNothing(self):
         stage = self.folder / "stage"
