@@ -2,6 +2,7 @@
 
 #include "cli/WavFile.h"
 #include "core/BwfMetadataReader.h"
+#include "core/LittleEndian.h"
 
 #include <algorithm>
 

@@ -20,13 +20,18 @@ struct BwfTrack {
 /// UTF-8 only where they are shown. As a record of wanted values an empty text or a `timeReference` of 0 means
 /// that the field stays as it is in the file; `circled` and `wildTrack` are always taken as values.
 struct BwfMetadata {
+    /// The greatest `timeReference` that counts as one: more than a day even at 192000 samples per second. What a
+    /// file gives beyond it is no time of day, and is not taken.
+    static constexpr uint64_t kMaxTimeReference = 20'000'000'000;
+
     /// Samples per second of the audio; 0 when no `fmt ` chunk was read.
     uint32_t sampleRate = 0;
     /// Interleaved channels; 0 when no `fmt ` chunk was read.
     uint16_t channels = 0;
     /// Bits per sample; 0 when no `fmt ` chunk was read.
     uint16_t bitsPerSample = 0;
-    /// Samples since midnight of the first sample, in the timestamp rate; 0 means unknown. At most 20000000000.
+    /// Samples since midnight of the first sample, in the timestamp rate; 0 means unknown. At most
+    /// `kMaxTimeReference`.
     uint64_t timeReference = 0;
     /// Samples per second in which `timeReference` counts; 0 means that it counts in `sampleRate`.
     uint32_t timestampSampleRate = 0;

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-class ChunkMap;
+class ChunkIndex;
 
 /// Reads what a Broadcast WAV file, RIFF or RF64, says about itself. The audio is stepped over.
 /// Nothing that stands in a file is an error: what is found is filled in, the rest stays as it is. Paths and texts are
@@ -60,7 +60,7 @@ private:
     static bool readSteps(const std::string& path, BwfMetadata& record);
     // The same with what the steps of one file share: a closed stream, and the chunks that have been met.
     // False if the file can't be opened.
-    static bool readFileInfo(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks);
-    static bool readBextChunk(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks);
-    static bool readIxmlChunk(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks);
+    static bool readFileInfo(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkIndex& chunks);
+    static bool readBextChunk(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkIndex& chunks);
+    static bool readIxmlChunk(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkIndex& chunks);
 };

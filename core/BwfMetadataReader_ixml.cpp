@@ -3,7 +3,7 @@
 #include "core/BwfMetadataReader.h"
 
 #include "core/CantarMetadataParser.h"
-#include "core/ChunkMap.h"
+#include "core/ChunkIndex.h"
 #include "core/IxmlTags.h"
 #include "core/MetadataStream.h"
 #include "core/NumberText.h"
@@ -22,11 +22,10 @@ namespace {
 using Element = IxmlTags::Element;
 using Mark = IxmlTags::Mark;
 
-constexpr uint64_t kMaxTimeReference = 20'000'000'000;
-constexpr std::size_t kMostTrackText = 64 * 1024 * 1024; // Bytes in all tracks of a file.
-constexpr std::size_t kPieceBytes = 64 * 1024; // Of a chunk, read at once.
-constexpr std::size_t kCacheLineBytes = 64;
-constexpr std::size_t kSliceBytes = 4 * 1024; // Padding is told in these.
+constexpr size_t kMostTrackText = size_t{ 64 } * 1024 * 1024; // Bytes in all tracks of a file.
+constexpr size_t kPieceBytes = size_t{ 64 } * 1024; // Of a chunk, read at once.
+constexpr size_t kCacheLineBytes = 64;
+constexpr size_t kSliceBytes = size_t{ 4 } * 1024; // Padding is told in these.
 constexpr double kPullDenominator = 1001.0;
 constexpr double kPullFactor = 1.001;
 constexpr std::array<double, 3> kPulledRates{ 23.976, 29.97, 59.94 };
@@ -63,7 +62,7 @@ void takeFraction(std::string_view numerator, std::string_view denominator, BwfM
 
 void takeFrameRate(std::string_view text, BwfMetadata& record)
 {
-    const std::size_t slash = text.find('/');
+    const size_t slash = text.find('/');
     if (slash != std::string_view::npos) {
         takeFraction(text.substr(0, slash), text.substr(slash + 1), record);
         return;
@@ -87,7 +86,7 @@ void takeSpeed(const IxmlTags& tags, BwfMetadata& record)
 
     const std::optional<uint64_t> samples = combine(
         tags.value(Element::SamplesSinceMidnightLo, block), tags.value(Element::SamplesSinceMidnightHi, block));
-    if (samples && *samples <= kMaxTimeReference)
+    if (samples && *samples <= BwfMetadata::kMaxTimeReference)
         record.timeReference = *samples;
 
     takeFrameRate(tags.value(Element::TimecodeRate, block), record);
@@ -127,7 +126,7 @@ void takeBext(const IxmlTags& tags, BwfMetadata& record)
     const std::string_view high = tags.value(Element::TimeReferenceHigh, block);
     const std::optional<uint64_t> samples
         = combine(tags.value(Element::TimeReferenceLow, block), high.empty() ? "0" : high);
-    if (samples && *samples >= 1 && *samples <= kMaxTimeReference)
+    if (samples && *samples >= 1 && *samples <= BwfMetadata::kMaxTimeReference)
         record.timeReference = *samples;
 }
 
@@ -189,7 +188,7 @@ public:
     }
 
 private:
-    std::size_t left = kMostTrackText;
+    size_t left = kMostTrackText;
 };
 
 // A track's text reaches to the end of the list, not to the end of the track: an element that one track lacks comes
@@ -300,7 +299,7 @@ public:
 
 private:
     char padding = '\0';
-    std::size_t padded = 0; // Bytes of `padding` that stand behind `text`.
+    size_t padded = 0; // Bytes of `padding` that stand behind `text`.
 };
 
 struct alignas(kCacheLineBytes) CacheLine {
@@ -308,9 +307,9 @@ struct alignas(kCacheLineBytes) CacheLine {
 };
 
 // The chunk's text as far as the file holds it, less the padding at its end.
-std::string readUnpadded(std::istream& stream, const ChunkMap::Chunk& chunk, ChunkMap& chunks)
+std::string readUnpadded(std::istream& stream, const ChunkWalk::Header& chunk, ChunkIndex& chunks)
 {
-    uint64_t at = chunk.position;
+    uint64_t at = chunk.payloadIn32Bits();
     uint64_t left = chunks.available(at, chunk.size);
     // The pieces stand to the cache lines as they stand in the file: copies between like places are the fastest.
     const uint64_t lines = std::min<uint64_t>(left, kPieceBytes) / kCacheLineBytes + 2;
@@ -318,10 +317,10 @@ std::string readUnpadded(std::istream& stream, const ChunkMap::Chunk& chunk, Chu
     char* const piece = reinterpret_cast<char*>(room.get()) + at % kCacheLineBytes;
     UnpaddedText result;
     while (left > 0) {
-        const auto wanted = static_cast<std::size_t>(std::min<uint64_t>(left, kPieceBytes));
-        const std::size_t arrived = chunks.read(stream, at, piece, wanted);
+        const auto wanted = static_cast<size_t>(std::min<uint64_t>(left, kPieceBytes));
+        const size_t arrived = chunks.read(stream, at, piece, wanted);
         const std::string_view bytes(piece, arrived);
-        for (std::size_t slice = 0; slice < arrived; slice += kSliceBytes)
+        for (size_t slice = 0; slice < arrived; slice += kSliceBytes)
             result.add(bytes.substr(slice, kSliceBytes));
         if (arrived < wanted)
             break;
@@ -336,20 +335,20 @@ std::string readUnpadded(std::istream& stream, const ChunkMap::Chunk& chunk, Chu
 void BwfMetadataReader::readIxmlChunk(const std::string& path, BwfMetadata& record)
 {
     std::ifstream stream;
-    ChunkMap chunks;
+    ChunkIndex chunks;
     readIxmlChunk(path, record, stream, chunks);
 }
 
 // What the size claims beyond the end of the file would be NUL bytes, which hold no tag: no room is made for them.
 bool BwfMetadataReader::readIxmlChunk(
-    const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkMap& chunks)
+    const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkIndex& chunks)
 {
     const OpenedFile opened(stream, path);
     if (!stream)
         return false;
     if (!chunks.begin(stream))
         return true;
-    if (const auto chunk = chunks.find(stream, "iXML"))
+    if (const auto chunk = chunks.find(stream, ChunkIndex::Id::Ixml))
         parseIxml(readUnpadded(stream, *chunk, chunks), record);
     return true;
 }

@@ -1,9 +1,12 @@
 #include "core/BwfMetadataWriter.h"
 
+#include "core/BextLayout.h"
 #include "core/BwfMetadata.h"
 #include "core/BwfMetadataReader.h"
 #include "core/CantarMetadataParser.h"
-#include "core/ChunkWalk.h"
+#include "core/ChunkIndex.h"
+#include "core/LittleEndian.h"
+#include "core/MetadataStream.h"
 
 #include <algorithm>
 #include <array>
@@ -13,12 +16,9 @@
 
 namespace {
 
-constexpr size_t kDescriptionBytes = 256;
-constexpr uint64_t kTimeReferenceOffset = 338; // Of the low half in the `bext` payload; the high half follows.
-constexpr uint32_t kBextFieldsBytes = 346; // Up to the end of the time reference.
 constexpr double kDefaultFrameRate = 24.0; // For the rate line of a Description whose file tells no rate.
 
-/// Which steps a save needs: the difference between what is wanted and what the file holds.
+// Which steps a save needs: the difference between what is wanted and what the file holds.
 struct Changes {
     bool timeReference = false;
     bool bext = false;
@@ -28,13 +28,13 @@ struct Changes {
     bool any() const { return timeReference || bext || ixml || tracks; }
 };
 
-/// An empty text stands for "leave it as it is".
+// An empty text stands for "leave it as it is".
 bool textChanged(const std::string& updated, const std::string& current)
 {
     return !updated.empty() && updated != current;
 }
 
-/// Entries that only the file has do not count, and neither does the channel number.
+// Entries that only the file has do not count, and neither does the channel number.
 bool anyTrackChanged(const std::vector<BwfTrack>& updated, const std::vector<BwfTrack>& current)
 {
     if (updated.size() > current.size())
@@ -58,8 +58,8 @@ Changes changesBetween(const BwfMetadata& current, const BwfMetadata& updated)
     return changes;
 }
 
-/// The Description that the file gets. What the old one said stays where it is not changed, even if the iXML says
-/// otherwise; what the parser doesn't know is lost. The rate is the file's, never the wanted record's.
+// The Description that the file gets. What the old one said stays where it is not changed, even if the iXML says
+// otherwise; what the parser doesn't know is lost. The rate is the file's, never the wanted record's.
 std::string descriptionFor(const BwfMetadata& current, const BwfMetadata& updated)
 {
     CantarMetadata wanted;
@@ -81,26 +81,15 @@ std::string descriptionFor(const BwfMetadata& current, const BwfMetadata& update
     return CantarMetadataParser::buildDescription(wanted, rate);
 }
 
-/// The file's size in bytes, and with it the stream at its end; 0 on a failed stream. Fails the stream if the size
-/// can't be told: what is not written for that reason must not pass as written.
-uint64_t sizeOf(std::ios& stream)
-{
-    // One step where `seekg` and `tellg` would take two.
-    const std::streamoff end = stream ? std::streamoff(stream.rdbuf()->pubseekoff(0, std::ios::end)) : -1;
-    if (end < 0)
-        stream.setstate(std::ios::failbit);
-    return end < 0 ? 0 : static_cast<uint64_t>(end);
-}
-
-/// Bytes of the file from `position` on; 0 past its end or on a failed stream.
+// Bytes of the file from `position` on; 0 past its end or on a failed stream.
 uint64_t bytesFrom(std::fstream& stream, uint64_t position)
 {
-    const uint64_t size = sizeOf(stream);
+    const uint64_t size = streamBytes(stream);
     return size > position ? size - position : 0;
 }
 
-/// Overwrites what lies inside the file and drops the rest: a `bext` payload shorter than its fields is not
-/// guarded against otherwise, but the file must never grow.
+// Overwrites what lies inside the file and drops the rest: a `bext` payload shorter than its fields is not
+// guarded against otherwise, but the file must never grow.
 void overwrite(std::fstream& stream, uint64_t position, std::string_view bytes)
 {
     const uint64_t room = bytesFrom(stream, position);
@@ -108,7 +97,7 @@ void overwrite(std::fstream& stream, uint64_t position, std::string_view bytes)
     stream.write(bytes.data(), static_cast<std::streamsize>(std::min<uint64_t>(room, bytes.size())));
 }
 
-/// A text field of `size` bytes that always ends in at least one NUL.
+// A text field of `size` bytes that always ends in at least one NUL.
 std::string textField(const std::string& text, size_t size)
 {
     std::string field = size == 0 ? std::string() : text.substr(0, size - 1);
@@ -116,124 +105,77 @@ std::string textField(const std::string& text, size_t size)
     return field;
 }
 
-template <size_t Width> std::array<char, Width> littleEndian(uint64_t value)
-{
-    std::array<char, Width> bytes{};
-    for (char& each : bytes) {
-        each = static_cast<char>(value & 0xFF);
-        value >>= 8;
-    }
-    return bytes;
-}
-
 template <size_t Width> void writeLittleEndian(std::ostream& stream, uint64_t value)
 {
-    const std::array<char, Width> bytes = littleEndian<Width>(value);
+    const std::array<char, Width> bytes = littleEndianBytes<Width>(value);
     stream.write(bytes.data(), Width);
 }
 
-uint32_t readFourBytes(std::istream& stream)
-{
-    std::array<char, 4> bytes{};
-    stream.read(bytes.data(), bytes.size());
-    return littleEndian32(bytes.data());
-}
-
-/// Finds the chunks that the steps of one save write into. Each step finds what a search of its own from the first
-/// chunk would find, but each header is visited once.
-class ChunkSearch {
-public:
-    explicit ChunkSearch(std::istream& searched) : stream(searched) { }
-
-    /// As BwfMetadataWriter::findChunk.
-    bool find(std::string_view id, uint32_t& size, uint32_t& position)
-    {
-        // Where the walk goes on inside the fields that are written, the headers there may be others by now.
-        if (first("bext") && stepOver(*first("bext")) < kBextFieldsBytes)
-            forget();
-        const ChunkWalk::Header* header = stream ? first(id) : nullptr;
-        if (!header)
-            header = walkTo(id);
-        return header && standAtPayload(*header, size, position);
-    }
-
-private:
-    /// In 32 bits, as the walk has it: the size 0xFFFFFFFF steps by 0, into the payload itself.
-    static uint32_t stepOver(const ChunkWalk::Header& header) { return header.size + header.size % 2; }
-
-    const ChunkWalk::Header* first(std::string_view id) const
-    {
-        const auto found = std::find_if(visited.begin(), visited.end(), [id](const auto& each) { return each.is(id); });
-        return found == visited.end() ? nullptr : &*found;
-    }
-
-    void forget()
-    {
-        visited.clear();
-        walk.reset();
-    }
-
-    const ChunkWalk::Header* walkTo(std::string_view id)
-    {
-        if (!walk)
-            walk.emplace(sizeOf(stream));
-        ChunkWalk::Header header;
-        while (walk->next(stream, header)) {
-            const bool wanted = header.is(id);
-            if (wanted || (header.is("iXML") && !first("iXML")))
-                visited.push_back(header);
-            if (wanted)
-                return &visited.back();
-        }
-        return nullptr;
-    }
-
-    /// A position is held in 32 bits. One that does not fit must not be cut to them here: the cut position is some
-    /// other place of the same file, mostly audio, and would be written over. So a chunk behind the first 4 GiB counts
-    /// as not found, with all that follows from it: the stream fails as if the search had run off the end.
-    bool standAtPayload(const ChunkWalk::Header& header, uint32_t& size, uint32_t& position)
-    {
-        const uint64_t payload = header.offset + ChunkWalk::kHeaderBytes;
-        if (payload > UINT32_MAX) {
-            stream.setstate(std::ios::failbit);
-            return false;
-        }
-        stream.seekg(static_cast<std::streamoff>(payload));
-        size = header.size;
-        position = static_cast<uint32_t>(payload);
-        return true;
-    }
-
-    std::istream& stream;
-    std::optional<ChunkWalk> walk;
-    std::vector<ChunkWalk::Header> visited; // Those that were asked for, and the first `iXML`.
+// A chunk's payload as the writer holds it, with the stream at its first byte.
+struct Payload {
+    uint32_t position = 0;
+    uint32_t size = 0;
 };
 
-bool saveDescription(std::fstream& file, ChunkSearch& chunks, const BwfMetadata& current, const BwfMetadata& updated)
+// A position is held in 32 bits. One that does not fit must not be cut to them here: the cut position is some other
+// place of the same file, mostly audio, and would be written over. So a chunk behind the first 4 GiB counts as not
+// found, with all that follows from it: the stream fails as if the search had run off the end.
+std::optional<Payload> standAtPayload(std::istream& stream, const std::optional<ChunkWalk::Header>& header)
 {
-    uint32_t size = 0;
-    uint32_t position = 0;
-    if (!chunks.find("bext", size, position))
-        return false;
-    return BwfMetadataWriter::updateBextDescription(file, position, descriptionFor(current, updated));
+    if (!header)
+        return std::nullopt;
+    if (header->payload() > UINT32_MAX) {
+        stream.setstate(std::ios::failbit);
+        return std::nullopt;
+    }
+    stream.seekg(static_cast<std::streamoff>(header->payload()));
+    return Payload{ static_cast<uint32_t>(header->payload()), header->size };
 }
 
-bool saveTimeReference(std::fstream& file, ChunkSearch& chunks, uint64_t timeReference)
+bool findFirst(std::istream& stream, std::string_view id, uint32_t& size, uint32_t& position)
 {
-    uint32_t size = 0;
-    uint32_t position = 0;
-    if (!chunks.find("bext", size, position))
+    const std::optional<Payload> found = standAtPayload(stream, ChunkWalk(stream).find(stream, id));
+    if (!found)
         return false;
-    return BwfMetadataWriter::updateBextTimeReference(file, position, timeReference);
+    size = found->size;
+    position = found->position;
+    return true;
 }
 
-bool saveIxml(std::fstream& file, ChunkSearch& chunks, const BwfMetadata& current, const BwfMetadata& updated)
+// Where the walk goes on inside the fields that are written, the headers there may be others by now.
+void forgetOverwritten(ChunkIndex& chunks, const ChunkWalk::Header& bext)
 {
-    uint32_t size = 0;
-    uint32_t position = 0;
-    if (!chunks.find("iXML", size, position))
+    if (bext.step() < BextLayout::kTimeReference.end())
+        chunks.forget();
+}
+
+bool saveDescription(std::fstream& file, ChunkIndex& chunks, const BwfMetadata& current, const BwfMetadata& updated)
+{
+    const auto bext = chunks.find(file, ChunkIndex::Id::Bext);
+    const auto payload = standAtPayload(file, bext);
+    if (!payload)
         return false;
-    return BwfMetadataWriter::updateIxmlFields(file, position, size, current, updated);
+    const std::string text = descriptionFor(current, updated);
+    const bool saved = BwfMetadataWriter::updateBextDescription(file, payload->position, text);
+    forgetOverwritten(chunks, *bext);
+    return saved;
+}
+
+bool saveTimeReference(std::fstream& file, ChunkIndex& chunks, uint64_t timeReference)
+{
+    const auto bext = chunks.find(file, ChunkIndex::Id::Bext);
+    const auto payload = standAtPayload(file, bext);
+    if (!payload)
+        return false;
+    const bool saved = BwfMetadataWriter::updateBextTimeReference(file, payload->position, timeReference);
+    forgetOverwritten(chunks, *bext);
+    return saved;
+}
+
+bool saveIxml(std::fstream& file, ChunkIndex& chunks, const BwfMetadata& current, const BwfMetadata& updated)
+{
+    const auto payload = standAtPayload(file, chunks.find(file, ChunkIndex::Id::Ixml));
+    return payload && BwfMetadataWriter::updateIxmlFields(file, payload->position, payload->size, current, updated);
 }
 
 } // namespace
@@ -258,7 +200,7 @@ bool BwfMetadataWriter::writeMetadata(const std::string& path, const BwfMetadata
 
     // The stream is not cleared between the steps: see the class comment. Each step stands by itself, and one that
     // comes to nothing takes nothing back.
-    ChunkSearch chunks(file);
+    ChunkIndex chunks;
     const bool descriptionSaved = changes.bext && saveDescription(file, chunks, current, updated);
     const bool timeReferenceSaved = changes.timeReference && saveTimeReference(file, chunks, updated.timeReference);
     const bool ixmlSaved = (changes.ixml || changes.tracks) && saveIxml(file, chunks, current, updated);
@@ -268,27 +210,30 @@ bool BwfMetadataWriter::writeMetadata(const std::string& path, const BwfMetadata
 
 bool BwfMetadataWriter::findChunk(std::ifstream& stream, std::string_view id, uint32_t& size, uint32_t& position)
 {
-    return ChunkSearch(stream).find(id, size, position);
+    return findFirst(stream, id, size, position);
 }
 
 bool BwfMetadataWriter::findChunk(std::fstream& stream, std::string_view id, uint32_t& size, uint32_t& position)
 {
-    return ChunkSearch(stream).find(id, size, position);
+    return findFirst(stream, id, size, position);
 }
 
 bool BwfMetadataWriter::updateBextDescription(std::fstream& stream, uint32_t position, const std::string& text)
 {
-    if (bytesFrom(stream, position) >= kDescriptionBytes)
-        writeString(stream, text, kDescriptionBytes, position);
+    constexpr BextLayout::Field kField = BextLayout::kDescription;
+    static_assert(kField.offset == 0);
+    if (bytesFrom(stream, position) >= kField.size)
+        writeString(stream, text, kField.size, position);
     else
-        overwrite(stream, position, textField(text, kDescriptionBytes));
+        overwrite(stream, position, textField(text, kField.size));
     return true;
 }
 
 bool BwfMetadataWriter::updateBextTimeReference(std::fstream& stream, uint32_t position, uint64_t value)
 {
-    const std::array<char, 8> bytes = littleEndian<8>(value); // Both halves, the low one first.
-    overwrite(stream, position + kTimeReferenceOffset, { bytes.data(), bytes.size() });
+    constexpr BextLayout::Field kField = BextLayout::kTimeReference;
+    const std::array<char, kField.size> bytes = littleEndianBytes<kField.size>(value);
+    overwrite(stream, uint64_t{ position } + kField.offset, { bytes.data(), bytes.size() });
     return stream.good();
 }
 
@@ -324,9 +269,9 @@ void BwfMetadataWriter::writeUint64LE(std::ofstream& stream, uint64_t value)
 
 uint32_t BwfMetadataWriter::readUint32LE(std::ifstream& stream)
 {
-    return readFourBytes(stream);
+    return BwfMetadataReader::readUint32LE(stream);
 }
 uint32_t BwfMetadataWriter::readUint32LE(std::fstream& stream)
 {
-    return readFourBytes(stream);
+    return BwfMetadataReader::readUint32LE(stream);
 }

@@ -11,9 +11,9 @@ namespace {
 
 constexpr size_t kReadBlock = size_t{ 1 } << 20;
 
-/// Reads the chunk in blocks, so that a size field that claims more than the file holds costs only what is there.
-/// The bytes that are missing would be NUL, which no search can find, and the short read leaves the stream failed,
-/// so that nothing is written back.
+// Reads the chunk in blocks, so that a size field that claims more than the file holds costs only what is there.
+// The bytes that are missing would be NUL, which no search can find, and the short read leaves the stream failed,
+// so that nothing is written back.
 std::string readText(std::fstream& stream, uint32_t position, uint32_t size)
 {
     stream.seekg(static_cast<std::streamoff>(position));

@@ -70,7 +70,7 @@ void assignTrackName(std::string_view key, std::string_view value, CantarMetadat
             continue;
         const std::optional<int32_t> number = NumberText::parseInt(key.substr(prefix.size()));
         if (number && *number > 0 && !value.empty())
-            record.trackNames.set(static_cast<std::size_t>(*number) - 1, value);
+            record.trackNames.set(static_cast<size_t>(*number) - 1, value);
         return;
     }
 }
@@ -102,14 +102,14 @@ TrackNameList::TrackNameList(std::initializer_list<std::string_view> list)
         set(count, name);
 }
 
-const std::string& TrackNameList::operator[](std::size_t index) const
+const std::string& TrackNameList::operator[](size_t index) const
 {
     static const std::string none;
     const auto entry = names.find(index);
     return entry == names.end() ? none : entry->second;
 }
 
-void TrackNameList::set(std::size_t index, std::string_view name)
+void TrackNameList::set(size_t index, std::string_view name)
 {
     if (index >= count)
         count = index + 1;
@@ -126,7 +126,7 @@ std::string CantarMetadataParser::trim(std::string_view text)
 
 void CantarMetadataParser::parseField(std::string_view line, CantarMetadata& record)
 {
-    const std::size_t equals = line.find('=');
+    const size_t equals = line.find('=');
     if (equals == std::string_view::npos)
         return;
     const std::string key = NumberText::toUpperAscii(trimBlanks(line.substr(0, equals)));

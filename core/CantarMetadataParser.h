@@ -15,21 +15,21 @@ public:
     TrackNameList(std::initializer_list<std::string_view> names);
 
     /// Number of entries, the empty ones included.
-    std::size_t size() const { return count; }
+    size_t size() const { return count; }
     /// True when there are no entries at all; a list of empty names is not empty.
     bool empty() const { return count == 0; }
     /// The name of entry `index`; the empty text beyond the end, too. Valid until the list changes.
-    const std::string& operator[](std::size_t index) const;
+    const std::string& operator[](size_t index) const;
     /// Gives entry `index` a name. A shorter list grows up to it with empty entries.
-    void set(std::size_t index, std::string_view name);
+    void set(size_t index, std::string_view name);
     /// The entries that are not empty, by rising index. Valid until the list goes.
-    const std::map<std::size_t, std::string>& named() const { return names; }
+    const std::map<size_t, std::string>& named() const { return names; }
 
     bool operator==(const TrackNameList&) const = default;
 
 private:
-    std::map<std::size_t, std::string> names;
-    std::size_t count = 0;
+    std::map<size_t, std::string> names;
+    size_t count = 0;
 };
 
 /// What the key=value lines of a `bext` Description say. Texts are bytes of the file, empty where no line said so.

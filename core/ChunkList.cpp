@@ -1,5 +1,7 @@
 #include "core/ChunkList.h"
 
+#include "core/LittleEndian.h"
+
 #include <algorithm>
 #include <cstring>
 #include <optional>
@@ -7,14 +9,14 @@
 namespace {
 
 constexpr uint32_t kPlaceholder = 0xFFFFFFFF; // A size that stands in `ds64`.
-constexpr std::size_t kIdBytes = 4;
-constexpr std::size_t kFileHeaderBytes = 12;
+constexpr size_t kIdBytes = 4;
+constexpr size_t kFileHeaderBytes = 12;
 
 // `ds64`: size of the file, size of the audio, number of samples, eight bytes each; then a table of further sizes.
-constexpr std::size_t kTableCountOffset = 24;
-constexpr std::size_t kTableOffset = 28;
-constexpr std::size_t kTableEntryBytes = 12;
-constexpr std::size_t kMostTableEntries = 64; // Chunks beyond 4 GiB besides the audio are next to none.
+constexpr size_t kTableCountOffset = 24;
+constexpr size_t kTableOffset = 28;
+constexpr size_t kTableEntryBytes = 12;
+constexpr size_t kMostTableEntries = 64; // Chunks beyond 4 GiB besides the audio are next to none.
 
 class LargeSizes {
 public:
@@ -26,7 +28,7 @@ public:
             return;
         const uint64_t claimed = littleEndian32(payload.data() + kTableCountOffset);
         const uint64_t present = (payload.size() - kTableOffset) / kTableEntryBytes;
-        for (std::size_t i = 0; i < std::min(claimed, present); ++i) {
+        for (size_t i = 0; i < std::min(claimed, present); ++i) {
             const char* const entry = payload.data() + kTableOffset + i * kTableEntryBytes;
             entries.push_back({ std::string(entry, kIdBytes), littleEndian64(entry + kIdBytes) });
         }
@@ -67,7 +69,7 @@ public:
 private:
     std::string read(uint64_t offset, uint64_t count)
     {
-        std::string bytes(static_cast<std::size_t>(blocks.available(offset, count)), '\0');
+        std::string bytes(static_cast<size_t>(blocks.available(offset, count)), '\0');
         if (!bytes.empty()) // No block holds nothing.
             bytes.resize(blocks.read(stream, offset, bytes.data(), bytes.size()));
         return bytes;

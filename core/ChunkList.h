@@ -31,7 +31,7 @@ struct ChunkList {
     };
 
     /// Chunks that a list holds at most: a crafted file can have millions of empty ones.
-    static constexpr std::size_t kMostChunks = 65536;
+    static constexpr size_t kMostChunks = 65536;
 
     /// The file's first four bytes; fewer if it has fewer.
     std::string fileId;

@@ -1,23 +1,19 @@
 #include "core/ChunkWalk.h"
 
+#include "core/LittleEndian.h"
+#include "core/MetadataStream.h"
+
 #include <algorithm>
 #include <cstring>
 
 namespace {
 
 // Holds what stands in front of the audio in most files, a padded iXML of 5 KB included.
-constexpr std::size_t kFirstBlockBytes = 8192;
+constexpr size_t kFirstBlockBytes = 8192;
 // Behind a jump mostly one header is wanted.
-constexpr std::size_t kSmallBlockBytes = 512;
+constexpr size_t kSmallBlockBytes = 512;
 // Where headers follow each other closely, blocks double up to this; it still fits into the processor's cache.
-constexpr std::size_t kLargeBlockBytes = 256 * 1024;
-
-uint64_t sizeOf(std::istream& stream)
-{
-    stream.seekg(0, std::ios::end);
-    const std::streamoff end = stream.tellg();
-    return end < 0 ? 0 : static_cast<uint64_t>(end);
-}
+constexpr size_t kLargeBlockBytes = size_t{ 256 } * 1024;
 
 uint64_t wordAt(const char* bytes)
 {
@@ -26,10 +22,10 @@ uint64_t wordAt(const char* bytes)
     return word;
 }
 
-bool isZero(const char* bytes, std::size_t words)
+bool isZero(const char* bytes, size_t words)
 {
     uint64_t sum = 0;
-    for (std::size_t i = 0; i < words; ++i)
+    for (size_t i = 0; i < words; ++i)
         sum |= wordAt(bytes + i * sizeof sum);
     return sum == 0;
 }
@@ -38,7 +34,7 @@ bool isZero(const char* bytes, std::size_t words)
 
 ChunkWalk::ChunkWalk(uint64_t fileBytes) : fileEnd(fileBytes) { }
 
-ChunkWalk::ChunkWalk(std::istream& stream) : fileEnd(sizeOf(stream)) { }
+ChunkWalk::ChunkWalk(std::istream& stream) : fileEnd(streamBytes(stream)) { }
 
 bool ChunkWalk::next(std::istream& stream, Header& header)
 {
@@ -48,32 +44,41 @@ bool ChunkWalk::next(std::istream& stream, Header& header)
     std::memcpy(header.id, bytes, sizeof header.id);
     header.size = littleEndian32(bytes + sizeof header.id);
     header.offset = position;
-    const uint32_t step = header.size + header.size % 2; // In 32 bits: the size 0xFFFFFFFF steps by 0.
-    position += kHeaderBytes + uint64_t{ step };
+    position = header.payload() + header.step();
     if (isZero(bytes, 1))
         skipEmptyChunks();
     return true;
+}
+
+std::optional<ChunkWalk::Header> ChunkWalk::find(std::istream& stream, std::string_view id)
+{
+    Header header;
+    while (next(stream, header)) {
+        if (header.is(id))
+            return header;
+    }
+    return std::nullopt;
 }
 
 // Digital silence reads as one empty chunk without an id after the other. Whoever did not want the first of them wants
 // none, so those that lie in the block are passed by together.
 void ChunkWalk::skipEmptyChunks()
 {
-    constexpr std::size_t kWords = 8;
-    constexpr std::size_t kStride = kWords * kHeaderBytes;
+    constexpr size_t kWords = 8;
+    constexpr size_t kStride = kWords * kHeaderBytes;
     const Block& block = later.holds(position, 0) ? later : head;
     if (!block.holds(position, 0))
         return;
     const char* at = block.bytes.get() + (position - block.begin);
     const char* const end = block.bytes.get() + block.size;
-    while (end - at >= static_cast<std::ptrdiff_t>(kStride) && isZero(at, kWords))
+    while (end - at >= static_cast<ptrdiff_t>(kStride) && isZero(at, kWords))
         at += kStride;
-    while (end - at >= static_cast<std::ptrdiff_t>(kHeaderBytes) && isZero(at, 1))
+    while (end - at >= static_cast<ptrdiff_t>(kHeaderBytes) && isZero(at, 1))
         at += kHeaderBytes;
     position = block.end() - static_cast<uint64_t>(end - at);
 }
 
-std::size_t ChunkWalk::read(std::istream& stream, uint64_t offset, char* target, std::size_t count)
+size_t ChunkWalk::read(std::istream& stream, uint64_t offset, char* target, size_t count)
 {
     if (!stream)
         return 0;
@@ -87,11 +92,11 @@ std::size_t ChunkWalk::read(std::istream& stream, uint64_t offset, char* target,
 }
 
 // A seek that fails leaves the stream failed in front of the end of the file, as an error in the read does.
-std::size_t ChunkWalk::fetch(std::istream& stream, uint64_t offset, char* target, std::size_t count)
+size_t ChunkWalk::fetch(std::istream& stream, uint64_t offset, char* target, size_t count)
 {
     stream.seekg(static_cast<std::streamoff>(offset));
     stream.read(target, static_cast<std::streamsize>(count));
-    const std::size_t arrived = stream.bad() ? 0 : static_cast<std::size_t>(stream.gcount());
+    const size_t arrived = stream.bad() ? 0 : static_cast<size_t>(stream.gcount());
     const bool endedInError = stream.fail() && !stream.eof();
     broken = broken || endedInError || arrived < available(offset, count);
     return arrived;
@@ -104,24 +109,24 @@ uint64_t ChunkWalk::available(uint64_t offset, uint64_t count) const
 
 // A block that holds `count` bytes from `offset` on, read if need be. Null if they are too many for a block or did not
 // arrive whole.
-const ChunkWalk::Block* ChunkWalk::blockWith(std::istream& stream, uint64_t offset, std::size_t count)
+const ChunkWalk::Block* ChunkWalk::blockWith(std::istream& stream, uint64_t offset, size_t count)
 {
     if (head.holds(offset, count))
         return &head;
     if (later.holds(offset, count))
         return &later;
-    const std::size_t wanted = blockBytesAt(offset);
+    const size_t wanted = blockBytesAt(offset);
     if (count > wanted)
         return nullptr;
     Block& block = head.capacity == 0 ? head : later;
-    const auto held = static_cast<std::size_t>(available(offset, wanted));
+    const auto held = static_cast<size_t>(available(offset, wanted));
     block.reserve(held);
     block.begin = offset;
     block.size = fetch(stream, offset, block.bytes.get(), held);
     return block.holds(offset, count) ? &block : nullptr;
 }
 
-std::size_t ChunkWalk::blockBytesAt(uint64_t offset) const
+size_t ChunkWalk::blockBytesAt(uint64_t offset) const
 {
     if (head.capacity == 0)
         return kFirstBlockBytes;
@@ -130,27 +135,10 @@ std::size_t ChunkWalk::blockBytesAt(uint64_t offset) const
     return close ? std::clamp(last.size * 2, kSmallBlockBytes, kLargeBlockBytes) : kSmallBlockBytes;
 }
 
-void ChunkWalk::Block::reserve(std::size_t count)
+void ChunkWalk::Block::reserve(size_t count)
 {
     if (count <= capacity)
         return;
     bytes = std::make_unique_for_overwrite<char[]>(count);
     capacity = count;
-}
-
-uint16_t littleEndian16(const char* bytes)
-{
-    const auto low = static_cast<unsigned char>(bytes[0]);
-    const auto high = static_cast<unsigned char>(bytes[1]);
-    return static_cast<uint16_t>(low | (high << 8));
-}
-
-uint32_t littleEndian32(const char* bytes)
-{
-    return littleEndian16(bytes) | static_cast<uint32_t>(littleEndian16(bytes + 2)) << 16;
-}
-
-uint64_t littleEndian64(const char* bytes)
-{
-    return littleEndian32(bytes) | static_cast<uint64_t>(littleEndian32(bytes + 4)) << 32;
 }

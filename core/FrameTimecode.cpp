@@ -71,7 +71,7 @@ std::optional<std::array<uint32_t, 4>> numbersOf(std::string_view label)
     if (label.size() != kForm.size())
         return std::nullopt;
     std::array<uint32_t, 4> numbers{};
-    for (std::size_t i = 0; i < label.size(); ++i) {
+    for (size_t i = 0; i < label.size(); ++i) {
         const bool isSign = label[i] == ':' || label[i] == ';';
         const bool isDigit = label[i] >= '0' && label[i] <= '9';
         if (kForm[i] == ':' ? !isSign : !isDigit)

@@ -1,6 +1,7 @@
 #include "core/IxmlEdit.h"
 
 #include "core/BwfMetadata.h"
+#include "core/IxmlNames.h"
 #include "core/IxmlTrackText.h"
 
 #include <string_view>
@@ -16,15 +17,14 @@
 namespace {
 
 constexpr std::string_view kRootClose = "</BWFXML>";
-constexpr std::string_view kWildTrack = "WILD_TRACK";
 
-/// The text and whether it has to be written.
+// The text and whether it has to be written.
 struct Edited {
     std::string text;
     bool modified = false;
 };
 
-/// First opening and first closing tag of a name, each searched on its own from the start of the text.
+// First opening and first closing tag of a name, each searched on its own from the start of the text.
 struct Element {
     size_t open = std::string::npos;
     size_t close = std::string::npos;
@@ -32,7 +32,7 @@ struct Element {
     size_t closeSize = 0;
 
     bool complete() const { return open != std::string::npos && close != std::string::npos; }
-    /// A closing tag in front of the opening one leaves no bytes between that could be replaced.
+    // A closing tag in front of the opening one leaves no bytes between that could be replaced.
     bool inOrder() const { return open < close; }
 };
 
@@ -43,7 +43,7 @@ Element findElement(const std::string& text, std::string_view name)
     return { text.find(open), text.find(close), open.size(), close.size() };
 }
 
-/// A new line in front of the closing root tag. Without that tag there is no place, and the element is skipped.
+// A new line in front of the closing root tag. Without that tag there is no place, and the element is skipped.
 void insertElement(Edited& ixml, std::string_view name, std::string_view value)
 {
     const size_t root = ixml.text.find(kRootClose);
@@ -73,10 +73,10 @@ void setElement(Edited& ixml, std::string_view name, std::string_view value)
 
 void setWildTrack(Edited& ixml, bool wanted)
 {
-    const Element element = findElement(ixml.text, kWildTrack);
+    const Element element = findElement(ixml.text, IxmlNames::kWildTrack);
     if (!element.complete()) {
         if (wanted)
-            insertElement(ixml, kWildTrack, "TRUE");
+            insertElement(ixml, IxmlNames::kWildTrack, "TRUE");
         return;
     }
     // An element that is there keeps what it says, so FALSE can't be turned to TRUE here; yet the chunk is written.
@@ -97,11 +97,11 @@ void setScalars(Edited& ixml, const BwfMetadata& current, const BwfMetadata& upd
         std::string BwfMetadata::*field;
     };
     static constexpr Scalar kScalars[] = {
-        { "NOTE", &BwfMetadata::note },
-        { "SCENE", &BwfMetadata::scene },
-        { "TAPE", &BwfMetadata::tape },
-        { "TAKE", &BwfMetadata::take },
-        { "PROJECT", &BwfMetadata::project },
+        { IxmlNames::kNote, &BwfMetadata::note },
+        { IxmlNames::kScene, &BwfMetadata::scene },
+        { IxmlNames::kTape, &BwfMetadata::tape },
+        { IxmlNames::kTake, &BwfMetadata::take },
+        { IxmlNames::kProject, &BwfMetadata::project },
     };
     for (const Scalar& each : kScalars) {
         const std::string& value = updated.*each.field;
@@ -113,7 +113,7 @@ void setScalars(Edited& ixml, const BwfMetadata& current, const BwfMetadata& upd
 void setFlags(Edited& ixml, const BwfMetadata& current, const BwfMetadata& updated)
 {
     if (updated.circled != current.circled)
-        setElement(ixml, "CIRCLED", updated.circled ? "TRUE" : "FALSE");
+        setElement(ixml, IxmlNames::kCircled, updated.circled ? "TRUE" : "FALSE");
     if (updated.wildTrack != current.wildTrack)
         setWildTrack(ixml, updated.wildTrack);
 }

@@ -1,5 +1,6 @@
 #include "core/IxmlTags.h"
 
+#include "core/IxmlNames.h"
 #include "core/TextTrim.h"
 
 #include <algorithm>
@@ -17,22 +18,22 @@ constexpr std::array<std::string_view, 52> kNames{ "TIMESTAMP_SAMPLE_RATE", "tim
     "BWF_ORIGINATION_TIME", "bwf_origination_time", //
     "BWF_TIME_REFERENCE_LOW", "bwf_time_reference_low", //
     "BWF_TIME_REFERENCE_HIGH", "bwf_time_reference_high", //
-    "SCENE", "scene", //
-    "PROJECT", "project", //
-    "TAPE", "tape", //
-    "TAKE", "take", //
-    "NOTE", "note", //
-    "CIRCLED", "circled", //
-    "WILD_TRACK", "wild_track", //
-    "CHANNEL_INDEX", "channel_index", //
-    "NAME", "name", //
-    "FUNCTION", "function", //
+    IxmlNames::kScene, "scene", //
+    IxmlNames::kProject, "project", //
+    IxmlNames::kTape, "tape", //
+    IxmlNames::kTake, "take", //
+    IxmlNames::kNote, "note", //
+    IxmlNames::kCircled, "circled", //
+    IxmlNames::kWildTrack, "wild_track", //
+    IxmlNames::kChannelIndex, "channel_index", //
+    IxmlNames::kName, "name", //
+    IxmlNames::kFunction, "function", //
     "SPEED", "Speed", "/SPEED", "/Speed", //
     "BEXT", "Bext", "/BEXT", "/Bext", //
     "TRACK_LIST", "TrackList", "/TRACK_LIST", "/TrackList", //
-    "TRACK", "/TRACK" };
+    IxmlNames::kTrack, "/TRACK" };
 
-constexpr std::size_t kMaxNameLength = 35;
+constexpr size_t kMaxNameLength = 35;
 
 // The kinds whose names have the same length and the same first letter are tried one by one; there are few of each.
 struct NamesByLength {
@@ -44,9 +45,9 @@ constexpr NamesByLength sortByLength()
 {
     NamesByLength sorted;
     uint8_t count = 0;
-    for (std::size_t length = 0; length <= kMaxNameLength; ++length) {
+    for (size_t length = 0; length <= kMaxNameLength; ++length) {
         sorted.begin[length] = count;
-        for (std::size_t kind = 0; kind < kNames.size(); ++kind) {
+        for (size_t kind = 0; kind < kNames.size(); ++kind) {
             if (kNames[kind].size() == length)
                 sorted.kinds[count++] = static_cast<uint8_t>(kind);
         }
@@ -58,11 +59,11 @@ constexpr NamesByLength sortByLength()
 constexpr NamesByLength kByLength = sortByLength();
 static_assert(kByLength.begin.back() == kNames.size(), "a name is longer than kMaxNameLength");
 
-constexpr std::size_t kUsualTags = 128; // Of a file with a handful of tracks.
+constexpr size_t kUsualTags = 128; // Of a file with a handful of tracks.
 constexpr uint8_t kUnknown = UINT8_MAX;
 
 // The kind of the tag whose name begins at `name`, behind its "<"; kUnknown if it is none of ours.
-uint8_t identify(const char* name, std::size_t left)
+uint8_t identify(const char* name, size_t left)
 {
     // Half of all tags close an element, and most of those are not looked for.
     if (left > 1 && name[0] == '/' && name[1] != 'S' && name[1] != 'B' && name[1] != 'T')
@@ -70,8 +71,8 @@ uint8_t identify(const char* name, std::size_t left)
     const void* const close = std::memchr(name, '>', std::min(left, kMaxNameLength + 1));
     if (!close)
         return kUnknown;
-    const auto length = static_cast<std::size_t>(static_cast<const char*>(close) - name);
-    for (std::size_t i = kByLength.begin[length]; i < kByLength.begin[length + 1]; ++i) {
+    const auto length = static_cast<size_t>(static_cast<const char*>(close) - name);
+    for (size_t i = kByLength.begin[length]; i < kByLength.begin[length + 1]; ++i) {
         const uint8_t kind = kByLength.kinds[i];
         if (kNames[kind].front() == *name && std::memcmp(kNames[kind].data(), name, length) == 0)
             return kind;
@@ -87,7 +88,7 @@ IxmlTags::IxmlTags(std::string_view ixml) : text(ixml)
     first.fill(kNone);
     tags.reserve(kUsualTags);
     bool open = false; // The last tag still waits for the "<" that ends its value.
-    for (std::size_t at = text.find('<'); at != std::string_view::npos; at = text.find('<', at + 1)) {
+    for (size_t at = text.find('<'); at != std::string_view::npos; at = text.find('<', at + 1)) {
         if (open)
             tags.back().valueEnd = at;
         const uint8_t kind = identify(text.data() + at + 1, text.size() - at - 1);
@@ -96,7 +97,7 @@ IxmlTags::IxmlTags(std::string_view ixml) : text(ixml)
             continue;
         if (first[kind] == kNone)
             first[kind] = tags.size();
-        const std::size_t valueBegin = at + kNames[kind].size() + 2;
+        const size_t valueBegin = at + kNames[kind].size() + 2;
         tags.push_back({ at, valueBegin, valueBegin, kind });
     }
 }
@@ -127,7 +128,7 @@ IxmlTags::Index IxmlTags::find(Mark mark, Mark second, Index from) const
 // A range is a text of its own: the "<" of the tag that ends it does not end a value in it.
 std::string_view IxmlTags::valueAt(Index tag, Index rangeEnd) const
 {
-    const std::size_t textEnd = rangeEnd < tags.size() ? tags[rangeEnd].begin : text.size();
+    const size_t textEnd = rangeEnd < tags.size() ? tags[rangeEnd].begin : text.size();
     const Tag& found = tags[tag];
     if (found.valueEnd >= textEnd)
         return {};

@@ -54,7 +54,7 @@ public:
     };
 
     /// Index of a tag in the order of the text, or kNone.
-    using Index = std::size_t;
+    using Index = size_t;
     static constexpr Index kNone = SIZE_MAX;
 
     /// Tags from `begin` up to but without `end`.
@@ -100,9 +100,9 @@ public:
 
 private:
     struct Tag {
-        std::size_t begin = 0; // Of its "<".
-        std::size_t valueBegin = 0;
-        std::size_t valueEnd = 0; // The next "<"; valueBegin if there is none.
+        size_t begin = 0; // Of its "<".
+        size_t valueBegin = 0;
+        size_t valueEnd = 0; // The next "<"; valueBegin if there is none.
         uint8_t kind = 0;
     };
 

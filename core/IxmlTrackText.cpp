@@ -1,5 +1,7 @@
 #include "core/IxmlTrackText.h"
 
+#include "core/IxmlNames.h"
+
 #include <bit>
 #include <charconv>
 
@@ -12,6 +14,15 @@ constexpr std::string_view kChannelClose = "</CHANNEL_INDEX>";
 constexpr std::array<std::string_view, 6> kTags
     = { "<TRACK>", "</TRACK>", "<NAME>", "</NAME>", "<FUNCTION>", "</FUNCTION>" };
 
+constexpr std::string_view nameIn(std::string_view openingTag)
+{
+    return openingTag.substr(1, openingTag.size() - 2);
+}
+static_assert(nameIn(kChannelOpen) == IxmlNames::kChannelIndex);
+static_assert(nameIn(kTags[0]) == IxmlNames::kTrack);
+static_assert(nameIn(kTags[2]) == IxmlNames::kName);
+static_assert(nameIn(kTags[4]) == IxmlNames::kFunction);
+
 std::string channelElement(int32_t channelIndex)
 {
     return std::string(kChannelOpen).append(std::to_string(channelIndex)).append(kChannelClose);
@@ -19,8 +30,8 @@ std::string channelElement(int32_t channelIndex)
 
 } // namespace
 
-/// The tag at the start of `text`; Bytes if there is none. A CHANNEL_INDEX counts only if it says its number in the
-/// plain decimal that an edit looks for, not as "01", " 1" or "+1".
+// The tag at the start of `text`; Bytes if there is none. A CHANNEL_INDEX counts only if it says its number in the
+// plain decimal that an edit looks for, not as "01", " 1" or "+1".
 IxmlTrackText::Content IxmlTrackText::tagAt(std::string_view text, int32_t& channelIndex)
 {
     const char third = text.size() > 2 ? text[2] : '\0'; // Differs in each tag.
@@ -37,7 +48,7 @@ IxmlTrackText::Content IxmlTrackText::tagAt(std::string_view text, int32_t& chan
     return text.starts_with(number) && text.substr(number.size()).starts_with(kChannelClose) ? ChannelIndex : Bytes;
 }
 
-/// Calls `onTag(offset, tag, channelIndex)` for each tag in the order of the text.
+// Calls `onTag(offset, tag, channelIndex)` for each tag in the order of the text.
 template <class OnTag> void IxmlTrackText::forEachTag(std::string_view text, OnTag onTag)
 {
     int32_t channelIndex = 0;
@@ -77,14 +88,14 @@ void IxmlTrackText::noteBytes(size_t part)
         noteTag(part, Bytes, 0);
 }
 
-/// Notes what the part holds; nothing may be noted of it yet.
+// Notes what the part holds; nothing may be noted of it yet.
 void IxmlTrackText::noteAll(size_t part)
 {
     noteBytes(part);
     forEachTag(parts[part], [&](size_t, Content tag, int32_t channelIndex) { noteTag(part, tag, channelIndex); });
 }
 
-/// Takes back what is noted of the part, which must still have the text that was noted.
+// Takes back what is noted of the part, which must still have the text that was noted.
 void IxmlTrackText::forgetAll(size_t part)
 {
     Block& block = blocks[part / kPerBlock];
@@ -97,8 +108,8 @@ void IxmlTrackText::forgetAll(size_t part)
     });
 }
 
-/// The first part from this one on that holds it; kNoPart if there is none. The search ends once it has passed `limit`
-/// bytes of whole blocks: most tracks have no FUNCTION, and each would look through all tracks behind it.
+// The first part from this one on that holds it; kNoPart if there is none. The search ends once it has passed `limit`
+// bytes of whole blocks: most tracks have no FUNCTION, and each would look through all tracks behind it.
 size_t IxmlTrackText::firstPartFrom(size_t part, Content content, size_t limit) const
 {
     const size_t firstBlock = part / kPerBlock;
@@ -112,7 +123,7 @@ size_t IxmlTrackText::firstPartFrom(size_t part, Content content, size_t limit) 
     return kNoPart;
 }
 
-/// The last part up to this one that holds it; kNoPart if there is none.
+// The last part up to this one that holds it; kNoPart if there is none.
 size_t IxmlTrackText::lastPartUpTo(size_t part, Content content) const
 {
     uint64_t mask = UINT64_MAX >> (kPerBlock - 1 - part % kPerBlock);
@@ -123,7 +134,7 @@ size_t IxmlTrackText::lastPartUpTo(size_t part, Content content) const
     return kNoPart;
 }
 
-/// Where the first element begins that gives this number.
+// Where the first element begins that gives this number.
 std::optional<IxmlTrackText::Place> IxmlTrackText::firstNumber(int32_t channelIndex) const
 {
     const auto found = numbers.lower_bound({ channelIndex, 0 });
@@ -132,7 +143,7 @@ std::optional<IxmlTrackText::Place> IxmlTrackText::firstNumber(int32_t channelIn
     return Place{ found->second, parts[found->second].find(channelElement(channelIndex)) };
 }
 
-/// Where the first of these tags begins, at `from` or behind it. May be nothing if that is `limit` bytes away.
+// Where the first of these tags begins, at `from` or behind it. May be nothing if that is `limit` bytes away.
 std::optional<IxmlTrackText::Place> IxmlTrackText::firstFrom(Place from, Content tag, size_t limit) const
 {
     size_t part = firstPartFrom(from.part, tag, limit);
@@ -147,7 +158,7 @@ std::optional<IxmlTrackText::Place> IxmlTrackText::firstFrom(Place from, Content
     return Place{ part, parts[part].find(kTags[tag]) };
 }
 
-/// Where the last of these tags begins, at `from` or in front of it.
+// Where the last of these tags begins, at `from` or in front of it.
 std::optional<IxmlTrackText::Place> IxmlTrackText::lastUpTo(Place from, Content tag) const
 {
     size_t part = lastPartUpTo(from.part, tag);
@@ -162,7 +173,7 @@ std::optional<IxmlTrackText::Place> IxmlTrackText::lastUpTo(Place from, Content 
     return Place{ part, parts[part].rfind(kTags[tag]) };
 }
 
-/// Bytes from one place to another, which must not stand in front of it.
+// Bytes from one place to another, which must not stand in front of it.
 size_t IxmlTrackText::distance(Place from, Place to) const
 {
     size_t bytes = to.offset; // From the start of `from.part` on.
@@ -192,7 +203,7 @@ bool IxmlTrackText::setTrack(const BwfTrack& wanted)
     return named || functioned;
 }
 
-/// Replaces what the first element of a kind behind `track` says, if it begins less than `limit` bytes behind it.
+// Replaces what the first element of a kind behind `track` says, if it begins less than `limit` bytes behind it.
 bool IxmlTrackText::setElement(Place track, Content openTag, size_t limit, const std::string& value)
 {
     auto open = firstFrom(track, openTag, limit);
@@ -206,7 +217,7 @@ bool IxmlTrackText::setElement(Place track, Content openTag, size_t limit, const
     return true;
 }
 
-/// Replaces the bytes from one place up to another, which stands behind it.
+// Replaces the bytes from one place up to another, which stands behind it.
 void IxmlTrackText::replace(Place from, Place to, std::string_view value)
 {
     for (size_t part = from.part; part <= to.part; part = firstPartFrom(part + 1, Bytes)) {

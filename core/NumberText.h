@@ -8,6 +8,7 @@
 /// Numbers as text, the same under every locale of the process. The readers follow the standard string-to-number
 /// operations in base 10: leading white space and one sign are allowed, text behind the number is ignored.
 /// A NUL byte is text like any other. Pure functions, any thread.
+/// The settings, which stand on no other folder, have their own way: PlainNumbers in app/settings/ConfigManager.cpp.
 namespace NumberText {
 
 /// A signed 32-bit number. Nothing if there are no digits or the value is out of range.

@@ -51,7 +51,7 @@ void appendTwoDigits(std::string& text, int32_t number)
     text += digits;
 }
 
-/// The frame numbers that drop-frame counting has left out before `count`. Zero or of the sign of `count`.
+// The frame numbers that drop-frame counting has left out before `count`. Zero or of the sign of `count`.
 int64_t droppedNumbersBefore(int64_t count)
 {
     const int64_t tens = count / kDropFramesPerTenMinutes;
@@ -59,8 +59,8 @@ int64_t droppedNumbersBefore(int64_t count)
     return 18 * tens + 2 * ((rest - 2) / kDropFramesPerMinute);
 }
 
-/// Whole frames modulo one day. Taken in floating point, where it is exact, since a hostile time reference or rate
-/// gives more frames than 64 bits hold. 0 for an infinite count.
+// Whole frames modulo one day. Taken in floating point, where it is exact, since a hostile time reference or rate
+// gives more frames than 64 bits hold. 0 for an infinite count.
 int64_t framesOfDay(double wholeFrames, int64_t day)
 {
     if (!std::isfinite(wholeFrames))
@@ -86,7 +86,7 @@ constexpr std::array kNamedRates{
     NamedRate{ 60.0, 60.0, 60.0, "60", "60" },
 };
 
-/// The whole part of `value`; 0 for a negative number or none at all, the greatest number for what lies beyond.
+// The whole part of `value`; 0 for a negative number or none at all, the greatest number for what lies beyond.
 uint64_t wholeOf(double value)
 {
     if (!(value > 0.0))
@@ -105,7 +105,7 @@ void appendTwoDigitsOf(std::string& text, uint64_t number)
     text += std::to_string(number);
 }
 
-/// Three decimals at most, without trailing zeros; the same under every locale.
+// Three decimals at most, without trailing zeros; the same under every locale.
 std::string plainNumber(double value)
 {
     // The largest double has 309 digits before the point.

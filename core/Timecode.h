@@ -46,7 +46,8 @@ struct Timecode {
     static int64_t framesPerDay(int nominalRate, bool drop);
 
     /// The rate as people write it: "23.976", "25", "29.97 DF". `drop` is taken as it is, only the rate decides whether
-    /// it shows. "--" if `rate` isn't positive and finite.
+    /// it shows. "--" if `rate` isn't positive and finite. The mixer's form: the window writes any rate out with " fps"
+    /// behind it (window/MetadataTexts.h), the reports give it two decimals and "nd-C" or "df-C".
     static std::string formatFrameRate(double rate, bool drop);
 
     /// The timecode at `position` seconds into a file that starts `timeReference` samples after midnight, counted in

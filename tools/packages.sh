@@ -15,7 +15,7 @@ PACKAGES_TEST="libgtest-dev clang strace ffmpeg libimage-exiftool-perl qpdf popp
 # To make a Debian package, and to check it.
 PACKAGES_DEB="dpkg-dev"
 PACKAGES_DEB_CHECK="lintian ccache"
-PACKAGES_CI="ccache libbenchmark-dev libclang-rt-dev clang-format debootstrap"
+PACKAGES_CI="ccache libbenchmark-dev libclang-rt-dev clang-format clang-tidy debootstrap"
 
 as_root()
 {

@@ -37,6 +37,8 @@ QString durationText(double seconds);
 QString startTimecodeText(const BwfMetadata& record);
 
 /// At most three decimals and " fps": "25 fps", "23.976 fps". The mark if the rate isn't above 0.0.
+/// The mixer shows a rate by its usual name and says how it is counted (Timecode::formatFrameRate); the reports write
+/// two decimals and "nd-C" or "df-C" (formatFramerate).
 QString frameRateText(double frameRate);
 
 /// "48000 Hz", also for 0.

@@ -40,8 +40,9 @@ constexpr std::pair<const char*, const char*> kDefaults[] = {
     { kRecordingKey, "" },
 };
 
-/// The calling thread reads and writes numbers in the C locale while this lives. The process's own locale is the
-/// user's, where a decimal comma would turn 1.5 into 1.
+// The calling thread reads and writes numbers in the C locale while this lives. The process's own locale is the
+// user's, where a decimal comma would turn 1.5 into 1. core/NumberText does it for what stands in recordings; settings
+// stand on no other folder, so they have this of their own.
 class PlainNumbers {
 public:
     PlainNumbers()
@@ -68,7 +69,7 @@ bool isComment(const std::string& line)
     return line.empty() || line[0] == '#' || line[0] == ';';
 }
 
-/// Takes one line of a settings file apart and keeps it in `target`; comments and lines without "=" leave no trace.
+// Takes one line of a settings file apart and keeps it in `target`; comments and lines without "=" leave no trace.
 void parseLine(const std::string& line, std::map<std::string, std::string>& target)
 {
     if (isComment(line))
@@ -81,7 +82,7 @@ void parseLine(const std::string& line, std::map<std::string, std::string>& targ
     target[line.substr(0, keyEnd)] = valueStart == std::string::npos ? std::string() : line.substr(valueStart);
 }
 
-/// Makes the folder of `target` and all folders above it. Failures show when the file itself can't be opened.
+// Makes the folder of `target` and all folders above it. Failures show when the file itself can't be opened.
 void makeFolders(const std::string& target)
 {
     const size_t folderEnd = target.rfind('/');

@@ -93,19 +93,19 @@ protected:
     ~ConfigManager();
 
 private:
-    /// Null if there is no such key. The mutex must be held, also while the result is used.
+    // Null if there is no such key. The mutex must be held, also while the result is used.
     const std::string* find(const std::string& key) const;
     void store(const std::string& key, std::string value);
     std::string fileText() const;
-    /// False if the file at `target` holds what this process could not read. The mutex must be held.
+    // False if the file at `target` holds what this process could not read. The mutex must be held.
     bool mayReplace(const std::string& target) const;
-    /// `saveConfig` with the mutex held; `flushed` waits for the disk.
+    // `saveConfig` with the mutex held; `flushed` waits for the disk.
     bool save(const std::string& path, bool flushed);
 
     std::map<std::string, std::string> entries;
     std::string configPath;
-    bool dirty = false; ///< The map has changed since the last load or save.
-    bool unflushed = false; ///< The file at `configPath` may not be on the disk yet.
-    std::set<std::string> unread; ///< Files that were there and could not be read whole, as they were named to us.
-    mutable std::mutex mutex; ///< Guards all of the above.
+    bool dirty = false; // The map has changed since the last load or save.
+    bool unflushed = false; // The file at `configPath` may not be on the disk yet.
+    std::set<std::string> unread; // Files that were there and could not be read whole, as they were named to us.
+    mutable std::mutex mutex; // Guards all of the above.
 };

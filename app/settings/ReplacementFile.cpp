@@ -21,7 +21,7 @@ constexpr mode_t kFileMode = 0666; // Less the user's mask, as for any new file.
 constexpr std::chrono::seconds kLongestWait(1);
 constexpr std::chrono::milliseconds kPause(1);
 
-/// False if somebody else holds the lock. A file system without locks is no reason not to save.
+// False if somebody else holds the lock. A file system without locks is no reason not to save.
 bool tryLock(int descriptor)
 {
     return flock(descriptor, LOCK_EX | LOCK_NB) == 0 || (errno != EWOULDBLOCK && errno != EINTR);
@@ -73,8 +73,8 @@ bool ReplacementFile::takeTargetsPlace()
     return isTarget;
 }
 
-/// Nothing is changed in the file before the lock is held and the name has been looked at again: what was opened may
-/// have been another's, and may have become the target while this one waited.
+// Nothing is changed in the file before the lock is held and the name has been looked at again: what was opened may
+// have been another's, and may have become the target while this one waited.
 void ReplacementFile::acquire()
 {
     const auto end = std::chrono::steady_clock::now() + kLongestWait;

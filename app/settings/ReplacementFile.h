@@ -36,7 +36,7 @@ private:
     std::string target;
     std::string temporary;
     int descriptor = -1;
-    bool isTarget = false; ///< The temporary file has become the target.
+    bool isTarget = false; // The temporary file has become the target.
 };
 
 /// Brings the bytes behind an open descriptor to the disk. False if they may not be there; what can't be flushed by

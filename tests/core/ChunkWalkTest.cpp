@@ -168,6 +168,14 @@ TEST_F(FindChunk, positionBehindFourGigabytesIsCutTo32Bits)
     EXPECT_EQ(ours(stream, "far "), (Found{ true, 2, 26, true, 26 + 0x100000000 }));
 }
 
+TEST(ChunkWalkHeader, payloadBehindFourGigabytesKeepsItsWholeOffsetBesideTheCutOne)
+{
+    ChunkWalk::Header header;
+    header.offset = 0x1'0000'0010;
+    EXPECT_EQ(header.payload(), 0x1'0000'0018u);
+    EXPECT_EQ(header.payloadIn32Bits(), 0x18u);
+}
+
 TEST_F(FindChunk, longRunsOfEmptyChunksEndAtTheSamePlaces)
 {
     for (size_t zeros = 0; zeros < 80; ++zeros) {

@@ -29,7 +29,7 @@ INSTALLED |= {place % program for program in PROGRAMS for place in (
     "share/fish/vendor_completions.d/%s.fish")}
 INSTALLED |= {"share/icons/hicolor/%dx%d/apps/%s.png" % (edge, edge, ID)
               for edge in (16, 22, 24, 32, 48, 64, 128, 256, 512)}
-INSTALLED |= {"share/doc/tagwell/pictures/" + path.name for path in (SOURCE / "docs" / "pictures").iterdir()}
+INSTALLED |= {"share/doc/tagwell/pictures/" + path.name for path in (SOURCE / "docs" / "pictures").glob("*.png")}
 
 
 def files_below(folder):
