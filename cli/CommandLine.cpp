@@ -1,5 +1,6 @@
 #include "cli/CommandLine.h"
 
+#include "cli/CheckCommand.h"
 #include "cli/DumpCommand.h"
 #include "cli/FileRun.h"
 #include "cli/PlainText.h"
@@ -17,6 +18,7 @@ constexpr std::size_t kGapBytes = 2; // Between two columns of the help.
 
 constexpr std::array kCommands{
     kDumpCommand,
+    kCheckCommand,
     kVerifyCommand,
 };
 
