@@ -85,12 +85,25 @@ private:
 
     void takeLetters(std::string_view letters)
     {
-        for (const char letter : letters) {
-            const Option* const option = byLetter(letter);
+        while (!letters.empty()) {
+            const std::string name = std::string("-") + letters.front();
+            const Option* const option = byLetter(letters.front());
             if (!option)
-                return complain("unknown option " + quoted(std::string("-") + letter));
+                return complain("unknown option " + quoted(name));
+            letters.remove_prefix(1);
+            if (!option->value.empty())
+                return takeLetterValue(name, *option, letters);
             note(*option, {});
         }
+    }
+
+    void takeLetterValue(const std::string& name, const Option& option, std::string_view rest)
+    {
+        if (!rest.empty())
+            return note(option, rest);
+        if (at == given.size())
+            return complain("option " + name + " lacks its value");
+        note(option, given[at++]);
     }
 
     void note(const Option& option, std::string_view value)

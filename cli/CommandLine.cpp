@@ -4,6 +4,7 @@
 #include "cli/DumpCommand.h"
 #include "cli/FileRun.h"
 #include "cli/PlainText.h"
+#include "cli/ReportCommand.h"
 #include "cli/VerifyCommand.h"
 
 #include <algorithm>
@@ -19,6 +20,7 @@ constexpr std::size_t kGapBytes = 2; // Between two columns of the help.
 constexpr std::array kCommands{
     kDumpCommand,
     kCheckCommand,
+    kReportCommand,
     kVerifyCommand,
 };
 
