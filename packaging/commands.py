@@ -8,7 +8,7 @@ import textwrap
 
 PROGRAM = "tagwell-cli"
 # What a value is called where it is the path of a file.
-PATHS = ("SUMS", "CSV", "OUT")
+PATHS = ("FILE", "OUT", "SUMS", "TABLE")
 MAN_COLUMNS = 66  # Escapes make a line longer; 80 is what the page's checker allows.
 
 
@@ -90,7 +90,7 @@ def bash_value(command, option):
         action = "COMPREPLY=($(compgen -W '%s' -- \"$cur\")); return" % " ".join(choices_of(option))
     else:
         action = "return"
-    return "        '%s --%s') %s ;;" % (command["name"], option["name"], action)
+    return "        %s) %s ;;" % ("|".join("'%s %s'" % (command["name"], flag) for flag in flags_of(option)), action)
 
 
 def bash(table):

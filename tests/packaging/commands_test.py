@@ -40,15 +40,21 @@ def flags(command):
     return sorted(flag for names, _ in options(command) for flag in names)
 
 
+def choices(command, name):
+    """The values that an option takes, as the program tells someone who gave another one; [] if it takes any."""
+    said = run(CLI, command, name, "no such value").stderr
+    told = re.search(re.escape(name) + r" takes (\S+), not", said)
+    return told[1].split("|") if told else []
+
+
 def options_with_values():
-    """(command, "--name", what is offered: None for files, a list of words, [] for any text)."""
+    """(command, ["-n", "--name"], what is offered: None for files, a list of words, [] for any text)."""
     for command in commands():
         for names, value in options(command):
-            if value in ("SUMS", "CSV", "OUT"):
-                yield command, names[-1], None
+            if value in ("FILE", "OUT", "SUMS", "TABLE"):
+                yield command, names, None
             elif value:
-                words = value.split("|")
-                yield command, names[-1], words if len(words) > 1 else []
+                yield command, names, choices(command, names[-1])
 
 
 class Commands(unittest.TestCase):
@@ -104,12 +110,14 @@ class Commands(unittest.TestCase):
             self.assertEqual(self.bash(command, ""), RECORDINGS)
         tried = list(options_with_values())
         self.assertTrue(tried)
-        for command, name, words in tried:
+        for command, names, words in tried:
             offered = sorted(["a.WAV", "b c.wav", "c.txt", "day"] if words is None else words)
-            self.assertEqual(self.bash(command, name, ""), offered, (command, name))
-            self.assertEqual(self.bash(command, name + "="), offered, (command, name))
+            for name in names:
+                self.assertEqual(self.bash(command, name, ""), offered, (command, name))
+            self.assertEqual(self.bash(command, names[-1] + "="), offered, (command, names))
             if offered:
-                self.assertEqual(self.bash(command, name + "=" + offered[-1][:2]), offered[-1:], (command, name))
+                begun = names[-1] + "=" + offered[-1][:2]
+                self.assertEqual(self.bash(command, begun), offered[-1:], (command, names))
 
     def fishCompletesCommandsAndOptions(self):
         self.assertEqual(self.fish(""), sorted(commands()))
@@ -124,9 +132,10 @@ class Commands(unittest.TestCase):
         window = {"program": "tagwell", "folder": SOURCE / "packaging" / "completions"}
         self.assertEqual([name.rstrip("/") for name in self.fish("", **window)], RECORDINGS)
         self.assertEqual(self.fish("d", **window), ["day/"])
-        for command, name, words in options_with_values():
+        for command, names, words in options_with_values():
             offered = sorted(FILES if words is None else words)
-            self.assertEqual(self.fish(command, name, ""), offered, (command, name))
+            for name in names:
+                self.assertEqual(self.fish(command, name, ""), offered, (command, name))
 
     def zshKnowsCommandsOptionsAndFiles(self):
         self.assertEqual([line.split(":")[0] for line in self.zsh("")], commands())
@@ -134,6 +143,11 @@ class Commands(unittest.TestCase):
             *told, files = self.zsh(command)
             self.assertEqual(sorted(re.match(r"\*?(-[\w-]+)=?\[", line)[1] for line in told), flags(command))
             self.assertEqual(files, '*:recording:_files -g "*.(#i)wav"')
+            # What stands behind the last ":" is where the values come from.
+            values = {re.match(r"\*?(-[\w-]+)", line)[1]: line.rsplit(":", 1)[-1] for line in told}
+            for _, names, words in (each for each in options_with_values() if each[0] == command):
+                source = "_files" if words is None else "(%s)" % " ".join(words) if words else " "
+                self.assertEqual([values[name] for name in names], [source] * len(names))
 
     def manPageTellsCommandsAndOptions(self):
         page = gzip.decompress((PAPERS / "tagwell-cli.1.gz").read_bytes()).decode().replace(r"\-", "-")
@@ -144,6 +158,15 @@ class Commands(unittest.TestCase):
             for names, value in options(command):
                 tag = ", ".join(r"\fB%s\fR" % name for name in names) + (r" \fI%s\fR" % value if value else "")
                 self.assertIn("\n.TP\n%s\n" % tag.replace("\\/", "\\e/"), before + section, command)
+
+    def manPageTellsTheCodesOfCheck(self):
+        sources = [SOURCE / "cli" / name for name in ("FileFindings.cpp", "TakeLedger.cpp")]
+        codes = {code for path in sources for code in re.findall(r'"([a-z]+(?:-[a-z0-9]+)+)"', path.read_text("utf-8"))}
+        self.assertIn("fields-disagree", codes)
+        page = gzip.decompress((PAPERS / "tagwell-cli.1.gz").read_bytes()).decode().replace(r"\-", "-")
+        section = page.split("\n.SS check\n")[1].split("\n.SS ")[0]
+        told = re.findall(r"[a-z]+(?:-[a-z0-9]+)+", " ".join(re.findall(r"(?m)^\.TP\n\.B (.+)$", section)))
+        self.assertEqual(sorted(told), sorted(codes))
 
     def manPageFormatsWhateverTheWordsHold(self):
         made = runpy.run_path(str(SOURCE / "packaging" / "commands.py"))
