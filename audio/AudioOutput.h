@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <new>
 
 /// The system's default audio output, as the player needs it. One source per platform implements these
@@ -10,7 +11,7 @@
 /// tries anything again.
 ///
 /// Thread: everything but the render function is called on the thread that opens the player. Calls may wait for
-/// the system, in `defaultOutputDevice` to `initialize` together for less than 3 seconds. Nothing is ever printed.
+/// the system, in `openDefaultDevice` to `initialize` together for less than 3 seconds. Nothing is ever printed.
 namespace AudioOutput {
 
 /// One buffer of 32-bit float samples, in the shape that pull-model output services use.
@@ -60,43 +61,55 @@ private:
 using RenderFunction = int32_t (*)(void* context, uint32_t* actionFlags, const void* timeStamp, uint32_t busNumber,
     uint32_t frames, BufferList* bufferList);
 
+/// The default output device, asked for and perhaps connected to. Each platform has its own.
+struct Device;
 /// An output unit: a stream to the default device. Each platform has its own.
 struct Unit;
 
-/// The default output device. 0 if there is none.
-uint32_t defaultOutputDevice();
+/// Lets go of the device.
+struct DeviceDeleter {
+    void operator()(Device* device) const;
+};
+/// Disposes of the unit, in whatever state it is.
+struct UnitDeleter {
+    void operator()(Unit* unit) const;
+};
+using DevicePtr = std::unique_ptr<Device, DeviceDeleter>;
+using UnitPtr = std::unique_ptr<Unit, UnitDeleter>;
 
-/// Nominal rate of `device` in frames per second. 0.0 if it can't be told.
-double nominalSampleRate(uint32_t device);
+/// The default output device. Null if there is none.
+DevicePtr openDefaultDevice();
 
-/// A unit on the default output, not yet initialised. The caller owns it and ends it with `dispose`. It may take over
-/// what the last `defaultOutputDevice` has opened, so that has to come before it, on the same thread, once for each
-/// unit. Null if it didn't, or if the system has no such service or refuses.
-Unit* newUnit();
+/// The system's number of `device`, never 0.
+uint32_t deviceId(const Device& device);
+
+/// Nominal rate of `device` in frames per second. 0.0 if it can't be told, or if it isn't the default any more.
+double nominalSampleRate(Device& device);
+
+/// A unit on the default output, not yet initialised, which takes over what `device` has opened. Null if the device is
+/// null, or if the system has no such service or refuses.
+UnitPtr newUnit(DevicePtr device);
 
 /// The unit will be fed two non-interleaved channels of 32-bit float at `rate` frames per second. False if the
 /// system refuses.
-bool setStreamFormat(Unit* unit, double rate);
+bool setStreamFormat(Unit& unit, double rate);
 
 /// `render` will be called with `context`, which has to live until the unit is disposed of. False if the system
 /// refuses.
-bool setRenderCallback(Unit* unit, RenderFunction render, void* context);
+bool setRenderCallback(Unit& unit, RenderFunction render, void* context);
 
 /// Makes the unit ready for `start`. False if the system refuses or doesn't answer in time.
-bool initialize(Unit* unit);
+bool initialize(Unit& unit);
 
 /// Begins to call the render function; on a started unit nothing changes. Where the connection to the sound service was
 /// lost since `initialize`, one new attempt is made first, which may take 3 seconds. Anything but 0 if the device is
 /// gone or the system refuses.
-int32_t start(Unit* unit);
+int32_t start(Unit& unit);
 
 /// Ends the calls: none is in flight when this returns. On a stopped unit nothing happens.
-void stop(Unit* unit);
+void stop(Unit& unit);
 
 /// Takes back `initialize`. The unit is stopped.
-void uninitialize(Unit* unit);
-
-/// Ends the unit, in whatever state it is; the pointer is dead afterwards.
-void dispose(Unit* unit);
+void uninitialize(Unit& unit);
 
 } // namespace AudioOutput

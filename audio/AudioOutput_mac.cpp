@@ -17,11 +17,6 @@ static_assert(sizeof(OSStatus) == sizeof(int32_t) && sizeof(AudioUnitRenderActio
 constexpr AudioObjectPropertyElement kMainElement = 0;
 constexpr AudioUnitElement kOutputBus = 0;
 
-AudioUnit platform(AudioOutput::Unit* unit)
-{
-    return reinterpret_cast<AudioUnit>(unit);
-}
-
 template <typename Value>
 OSStatus readProperty(AudioObjectID object, AudioObjectPropertySelector selector, Value& value)
 {
@@ -34,23 +29,38 @@ OSStatus readProperty(AudioObjectID object, AudioObjectPropertySelector selector
 
 namespace AudioOutput {
 
-uint32_t defaultOutputDevice()
+struct Device {
+    AudioDeviceID id;
+};
+
+struct Unit {
+    AudioUnit instance;
+};
+
+DevicePtr openDefaultDevice()
 {
     // The status isn't looked at: on failure the id stays 0, which says the same.
-    AudioDeviceID device = 0;
-    (void)readProperty(kAudioObjectSystemObject, kAudioHardwarePropertyDefaultOutputDevice, device);
-    return device;
+    AudioDeviceID id = 0;
+    (void)readProperty(kAudioObjectSystemObject, kAudioHardwarePropertyDefaultOutputDevice, id);
+    return DevicePtr(id != 0 ? new Device{ id } : nullptr);
 }
 
-double nominalSampleRate(uint32_t device)
+uint32_t deviceId(const Device& device)
+{
+    return device.id;
+}
+
+double nominalSampleRate(Device& device)
 {
     Float64 rate = 0.0;
-    const OSStatus status = readProperty(device, kAudioDevicePropertyNominalSampleRate, rate);
+    const OSStatus status = readProperty(device.id, kAudioDevicePropertyNominalSampleRate, rate);
     return status == 0 ? rate : 0.0;
 }
 
-Unit* newUnit()
+UnitPtr newUnit(DevicePtr device)
 {
+    if (!device)
+        return nullptr;
     AudioComponentDescription description{};
     description.componentType = kAudioUnitType_Output;
     description.componentSubType = kAudioUnitSubType_DefaultOutput;
@@ -58,13 +68,13 @@ Unit* newUnit()
     AudioComponent component = AudioComponentFindNext(nullptr, &description);
     if (!component)
         return nullptr;
-    AudioUnit unit = nullptr;
-    if (AudioComponentInstanceNew(component, &unit) != 0)
+    AudioUnit instance = nullptr;
+    if (AudioComponentInstanceNew(component, &instance) != 0)
         return nullptr;
-    return reinterpret_cast<Unit*>(unit);
+    return UnitPtr(new Unit{ instance });
 }
 
-bool setStreamFormat(Unit* unit, double rate)
+bool setStreamFormat(Unit& unit, double rate)
 {
     AudioStreamBasicDescription format{};
     format.mSampleRate = rate;
@@ -75,44 +85,50 @@ bool setStreamFormat(Unit* unit, double rate)
     format.mBytesPerFrame = 4;
     format.mChannelsPerFrame = 2;
     format.mBitsPerChannel = 32;
-    return AudioUnitSetProperty(platform(unit), kAudioUnitProperty_StreamFormat, kAudioUnitScope_Input, kOutputBus,
+    return AudioUnitSetProperty(unit.instance, kAudioUnitProperty_StreamFormat, kAudioUnitScope_Input, kOutputBus,
                &format, sizeof(format))
         == 0;
 }
 
-bool setRenderCallback(Unit* unit, RenderFunction render, void* context)
+bool setRenderCallback(Unit& unit, RenderFunction render, void* context)
 {
     AURenderCallbackStruct callback{};
     callback.inputProc = reinterpret_cast<AURenderCallback>(render);
     callback.inputProcRefCon = context;
-    return AudioUnitSetProperty(platform(unit), kAudioUnitProperty_SetRenderCallback, kAudioUnitScope_Input, kOutputBus,
+    return AudioUnitSetProperty(unit.instance, kAudioUnitProperty_SetRenderCallback, kAudioUnitScope_Input, kOutputBus,
                &callback, sizeof(callback))
         == 0;
 }
 
-bool initialize(Unit* unit)
+bool initialize(Unit& unit)
 {
-    return AudioUnitInitialize(platform(unit)) == 0;
+    return AudioUnitInitialize(unit.instance) == 0;
 }
 
-int32_t start(Unit* unit)
+int32_t start(Unit& unit)
 {
-    return AudioOutputUnitStart(platform(unit));
+    return AudioOutputUnitStart(unit.instance);
 }
 
-void stop(Unit* unit)
+void stop(Unit& unit)
 {
-    AudioOutputUnitStop(platform(unit));
+    AudioOutputUnitStop(unit.instance);
 }
 
-void uninitialize(Unit* unit)
+void uninitialize(Unit& unit)
 {
-    AudioUnitUninitialize(platform(unit));
+    AudioUnitUninitialize(unit.instance);
 }
 
-void dispose(Unit* unit)
+void DeviceDeleter::operator()(Device* device) const
 {
-    AudioComponentInstanceDispose(platform(unit));
+    delete device;
+}
+
+void UnitDeleter::operator()(Unit* unit) const
+{
+    AudioComponentInstanceDispose(unit->instance);
+    delete unit;
 }
 
 } // namespace AudioOutput

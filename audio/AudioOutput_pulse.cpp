@@ -9,8 +9,9 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
+#include <cmath>
 #include <memory>
+#include <utility>
 
 #include <pthread.h>
 #include <pulse/pulseaudio.h>
@@ -27,7 +28,7 @@ constexpr uint32_t kPieceFrames = 1024; // Of one render call; the server may as
 constexpr uint32_t kChannels = 2;
 constexpr int kRealtimePriority = 10; // Above all ordinary threads, below the sound server's own.
 
-/// A connection to the server with its thread. All members but `connect` and the destructor need the lock.
+// A connection to the server with its thread. All members but `connect` and the destructor need the lock.
 class Connection {
 public:
     Connection() : loop(pa_threaded_mainloop_new()) { }
@@ -35,22 +36,22 @@ public:
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    /// Connects to the running server and starts none. False if there is none or it doesn't answer in time.
+    // Connects to the running server and starts none. False if there is none or it doesn't answer in time.
     bool connect();
 
-    /// Waits, with the lock held, until `done()`, or until the connection breaks or time is up. Returns what `done()`
-    /// says.
+    // Waits, with the lock held, until `done()`, or until the connection breaks or time is up. Returns what `done()`
+    // says.
     template <typename Condition> bool waitUntil(Condition done);
 
-    /// The same for an operation, which is let go of. False if it could not begin, was cancelled or is still running.
+    // The same for an operation, which is let go of. False if it could not begin, was cancelled or is still running.
     bool finish(pa_operation* operation);
 
-    /// From now on each wait has its own time limit.
+    // From now on each wait has its own time limit.
     void endOpening() { opening = false; }
 
     bool ready() const { return !givenUp && context && pa_context_get_state(context) == PA_CONTEXT_READY; }
     void signal() { pa_threaded_mainloop_signal(loop, 0); }
-    /// Time is up: this wait ends, and none begins any more.
+    // Time is up: this wait ends, and none begins any more.
     void giveUp()
     {
         givenUp = true;
@@ -155,9 +156,6 @@ bool Connection::finish(pa_operation* operation)
     return succeeded;
 }
 
-// The connection made to ask for the device goes on to serve the unit made next, so that opening connects once.
-thread_local std::unique_ptr<Connection> openedLast;
-
 struct SinkAnswer {
     bool found = false;
     uint32_t index = 0;
@@ -184,6 +182,12 @@ SinkAnswer askForDefaultSink(Connection& connection)
 } // namespace
 
 namespace AudioOutput {
+
+// The connection made to ask for the device goes on to serve the unit, so that opening connects once.
+struct Device {
+    std::unique_ptr<Connection> connection;
+    uint32_t id;
+};
 
 struct Unit {
     std::unique_ptr<Connection> connection;
@@ -239,7 +243,7 @@ void feed(Unit& unit, size_t bytes, bool silent)
     while (left > 0) {
         const auto frames = static_cast<uint32_t>(std::min<size_t>(left, kPieceFrames));
         if (silent)
-            unit.interleaved.fill(0.0F);
+            unit.interleaved.fill(0.0f);
         else
             renderPiece(unit, frames);
         if (pa_stream_write(unit.stream, unit.interleaved.data(), frames * kFrameBytes, nullptr, 0, PA_SEEK_RELATIVE)
@@ -333,103 +337,108 @@ bool reconnect(Unit& unit)
 
 } // namespace
 
-uint32_t defaultOutputDevice()
+DevicePtr openDefaultDevice()
 {
-    openedLast = std::make_unique<Connection>();
-    if (openedLast->connect()) {
-        const SinkAnswer sink = askForDefaultSink(*openedLast);
-        // The server counts its devices from 0, which means "none" here.
-        if (sink.found)
-            return sink.index + 1;
-    }
-    openedLast.reset();
-    return 0;
-}
-
-double nominalSampleRate(uint32_t device)
-{
-    if (!openedLast)
-        return 0.0;
-    const SinkAnswer sink = askForDefaultSink(*openedLast);
-    return sink.found && sink.index + 1 == device ? sink.rate : 0.0;
-}
-
-Unit* newUnit()
-{
-    if (!openedLast)
+    auto connection = std::make_unique<Connection>();
+    if (!connection->connect())
         return nullptr;
-    auto made = std::make_unique<Unit>();
-    made->connection = std::move(openedLast);
-    return made.release();
+    const SinkAnswer sink = askForDefaultSink(*connection);
+    if (!sink.found)
+        return nullptr;
+    // The server counts its devices from 0, which means "none" here.
+    return DevicePtr(new Device{ std::move(connection), sink.index + 1 });
 }
 
-bool setStreamFormat(Unit* unit, double rate)
+uint32_t deviceId(const Device& device)
+{
+    return device.id;
+}
+
+double nominalSampleRate(Device& device)
+{
+    const SinkAnswer sink = askForDefaultSink(*device.connection);
+    return sink.found && sink.index + 1 == device.id ? sink.rate : 0.0;
+}
+
+UnitPtr newUnit(DevicePtr device)
+{
+    if (!device)
+        return nullptr;
+    UnitPtr made(new Unit);
+    made->connection = std::move(device->connection);
+    return made;
+}
+
+bool setStreamFormat(Unit& unit, double rate)
 {
     if (!(rate >= 1.0) || rate > PA_RATE_MAX)
         return false;
-    unit->rate = static_cast<uint32_t>(rate + 0.5);
+    unit.rate = static_cast<uint32_t>(std::lround(rate));
     return true;
 }
 
-bool setRenderCallback(Unit* unit, RenderFunction render, void* context)
+bool setRenderCallback(Unit& unit, RenderFunction render, void* context)
 {
-    unit->render = render;
-    unit->context = context;
+    unit.render = render;
+    unit.context = context;
     return true;
 }
 
-bool initialize(Unit* unit)
+bool initialize(Unit& unit)
 {
-    const Lock lock(*unit->connection);
-    unit->initialized = unit->connection->ready() && connectStream(*unit);
-    unit->connection->endOpening();
-    return unit->initialized;
+    const Lock lock(*unit.connection);
+    unit.initialized = unit.connection->ready() && connectStream(unit);
+    unit.connection->endOpening();
+    return unit.initialized;
 }
 
-int32_t start(Unit* unit)
+int32_t start(Unit& unit)
 {
-    if (!unit->initialized || !(ready(*unit) || reconnect(*unit)))
+    if (!unit.initialized || !(ready(unit) || reconnect(unit)))
         return -1;
-    const Lock lock(*unit->connection);
-    if (unit->started)
+    const Lock lock(*unit.connection);
+    if (unit.started)
         return 0;
     // The write callback comes only now: installed earlier it would be called once while the stream is still corked.
-    unit->started = true;
-    pa_stream_set_write_callback(unit->stream, onWritable, unit);
-    pa_mainloop_api_once(pa_threaded_mainloop_get_api(unit->connection->loop), prefill, unit);
-    const bool running = unit->connection->finish(pa_stream_cork(unit->stream, 0, nullptr, nullptr));
+    unit.started = true;
+    pa_stream_set_write_callback(unit.stream, onWritable, &unit);
+    pa_mainloop_api_once(pa_threaded_mainloop_get_api(unit.connection->loop), prefill, &unit);
+    const bool running = unit.connection->finish(pa_stream_cork(unit.stream, 0, nullptr, nullptr));
     return running ? 0 : -1;
 }
 
-void stop(Unit* unit)
+void stop(Unit& unit)
 {
-    const Lock lock(*unit->connection);
-    if (!unit->started)
+    const Lock lock(*unit.connection);
+    if (!unit.started)
         return;
-    unit->started = false;
-    pa_stream_set_write_callback(unit->stream, nullptr, nullptr);
-    if (!streamGood(*unit))
+    unit.started = false;
+    pa_stream_set_write_callback(unit.stream, nullptr, nullptr);
+    if (!streamGood(unit))
         return;
     // Both are under way before the first wait.
-    pa_operation* corked = pa_stream_cork(unit->stream, 1, nullptr, nullptr);
-    pa_operation* flushed = pa_stream_flush(unit->stream, nullptr, nullptr);
-    (void)unit->connection->finish(corked);
-    (void)unit->connection->finish(flushed);
+    pa_operation* corked = pa_stream_cork(unit.stream, 1, nullptr, nullptr);
+    pa_operation* flushed = pa_stream_flush(unit.stream, nullptr, nullptr);
+    (void)unit.connection->finish(corked);
+    (void)unit.connection->finish(flushed);
 }
 
-void uninitialize(Unit* unit)
+void uninitialize(Unit& unit)
 {
-    const Lock lock(*unit->connection);
-    unit->initialized = false;
-    dropStream(*unit);
+    const Lock lock(*unit.connection);
+    unit.initialized = false;
+    dropStream(unit);
 }
 
-void dispose(Unit* unit)
+void DeviceDeleter::operator()(Device* device) const
 {
-    if (!unit)
-        return;
-    stop(unit);
-    uninitialize(unit);
+    delete device;
+}
+
+void UnitDeleter::operator()(Unit* unit) const
+{
+    stop(*unit);
+    uninitialize(*unit);
     // Ends libpulse's thread, which may still have the prefill to do.
     unit->connection.reset();
     delete unit;

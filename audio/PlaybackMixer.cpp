@@ -96,19 +96,19 @@ void sumTracks(
 // silence.
 float clampToFullScale(float value)
 {
-    if (value > 1.0F)
-        return 1.0F;
-    if (value >= -1.0F)
+    if (value > 1.0f)
+        return 1.0f;
+    if (value >= -1.0f)
         return value;
-    return value < -1.0F ? -1.0F : 0.0F;
+    return value < -1.0f ? -1.0f : 0.0f;
 }
 
 void fillSilence(int32_t frames, int32_t tracks, float* outStereo, float* outPeaks)
 {
     if (outStereo && frames >= 1)
-        std::fill_n(outStereo, 2 * static_cast<size_t>(frames), 0.0F);
+        std::fill_n(outStereo, 2 * static_cast<size_t>(frames), 0.0f);
     if (outPeaks && tracks >= 1)
-        std::fill_n(outPeaks, tracks, 0.0F);
+        std::fill_n(outPeaks, tracks, 0.0f);
 }
 
 } // namespace
@@ -121,9 +121,9 @@ PlaybackMixer::PlaybackMixer(int32_t tracks)
 void PlaybackMixer::reset(int32_t tracks)
 {
     trackCount = std::clamp(tracks, 0, kMaxTracks);
-    normalisation = tracks < 1 ? 1.0F : 1.0F / std::sqrt(static_cast<float>(trackCount));
+    normalisation = tracks < 1 ? 1.0f : 1.0f / std::sqrt(static_cast<float>(trackCount));
     for (size_t i = 0; i < gains.size(); ++i) {
-        gains[i].store(1.0F, std::memory_order_relaxed);
+        gains[i].store(1.0f, std::memory_order_relaxed);
         mutes[i].store(false, std::memory_order_relaxed);
         solos[i].store(false, std::memory_order_relaxed);
     }
@@ -133,7 +133,7 @@ void PlaybackMixer::setGain(int32_t track, float linear)
 {
     if (!inUse(track))
         return;
-    const float taken = std::isfinite(linear) && linear > 0.0F ? linear : 0.0F;
+    const float taken = std::isfinite(linear) && linear > 0.0f ? linear : 0.0f;
     gains[static_cast<size_t>(track)].store(taken, std::memory_order_relaxed);
 }
 
@@ -151,7 +151,7 @@ void PlaybackMixer::setSolo(int32_t track, bool on)
 
 float PlaybackMixer::gain(int32_t track) const
 {
-    return inUse(track) ? gains[static_cast<size_t>(track)].load(std::memory_order_relaxed) : 0.0F;
+    return inUse(track) ? gains[static_cast<size_t>(track)].load(std::memory_order_relaxed) : 0.0f;
 }
 
 bool PlaybackMixer::muted(int32_t track) const
@@ -168,9 +168,9 @@ float PlaybackMixer::effectiveGain(int32_t track, bool anySolo) const
 {
     const auto index = static_cast<size_t>(track);
     if (mutes[index].load(std::memory_order_relaxed))
-        return 0.0F;
+        return 0.0f;
     if (anySolo && !solos[index].load(std::memory_order_relaxed))
-        return 0.0F;
+        return 0.0f;
     return gains[index].load(std::memory_order_relaxed);
 }
 

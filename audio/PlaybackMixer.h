@@ -57,7 +57,7 @@ private:
     bool anySoloed() const;
 
     int32_t trackCount = 0;
-    float normalisation = 1.0F;
+    float normalisation = 1.0f;
     std::array<std::atomic<float>, kMaxTracks> gains{};
     std::array<std::atomic<bool>, kMaxTracks> mutes{};
     std::array<std::atomic<bool>, kMaxTracks> solos{};

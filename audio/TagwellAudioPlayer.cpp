@@ -4,40 +4,7 @@
 #include "audio/PlayerState.h"
 
 #include <algorithm>
-
-uint32_t PlayerState::queuedFrames() const
-{
-    // The read counter comes first. The other way about, a render call between the two loads could carry it past the
-    // write counter, and a nearly empty ring would look full.
-    const uint64_t read = stereoRead.load(std::memory_order_acquire);
-    return framesBetween(read, stereoWrite.load(std::memory_order_acquire));
-}
-
-uint32_t PlayerState::framesBetween(uint64_t read, uint64_t write)
-{
-    if (read >> kCounterBits != write >> kCounterBits)
-        return 0;
-    return static_cast<uint32_t>(write - read) & kStereoMask;
-}
-
-uint64_t PlayerState::movedOn(uint64_t word, uint32_t frames)
-{
-    return (word >> kCounterBits << kCounterBits) | static_cast<uint32_t>(word + frames);
-}
-
-void PlayerState::emptyStereoRing()
-{
-    // Nobody else changes the count of clears, and both words have the same.
-    const uint64_t cleared = ((stereoWrite.load(std::memory_order_relaxed) >> kCounterBits) + 1) << kCounterBits;
-    stereoWrite.store(cleared, std::memory_order_release);
-    stereoRead.store(cleared, std::memory_order_release);
-}
-
-void PlayerState::zeroPeaks()
-{
-    for (std::atomic<float>& peak : peaks)
-        peak.store(0.0F, std::memory_order_relaxed);
-}
+#include <utility>
 
 TagwellAudioPlayer::TagwellAudioPlayer() : state(std::make_unique<PlayerState>()), mixer(0) { }
 
@@ -61,22 +28,19 @@ bool TagwellAudioPlayer::openStopped(const std::string& path)
 {
     if (!state->reader.open(path))
         return false;
-    state->channels = state->reader.getChannels();
-    state->sampleRate = state->reader.getSampleRate();
-    state->bitDepth = state->reader.getBitsPerSample();
-    state->formatCode = state->reader.getFormatCode();
-    if (state->channels < 1 || state->sampleRate <= 0) {
+    state->file = state->reader.getHeader();
+    if (state->file.channels < 1 || state->file.sampleRate <= 0) {
         state->reader.close();
         return false;
     }
 
-    mixer.reset(state->channels);
-    state->zeroPeaks();
+    mixer.reset(state->file.channels);
+    state->peaks.zero();
     if (!setupAudioUnit()) {
         state->reader.close();
         return false;
     }
-    if (!state->converter.setup(state->sampleRate, state->deviceRate)) {
+    if (!state->converter.setup(state->file.sampleRate, state->deviceRate)) {
         teardownAudioUnit();
         state->reader.close();
         return false;
@@ -88,12 +52,11 @@ bool TagwellAudioPlayer::openStopped(const std::string& path)
 // The reader reads ahead before any play, so that the first block is there when it is wanted.
 void TagwellAudioPlayer::startThreads()
 {
-    state->reader.startPrefetch(state->channels);
-    state->emptyStereoRing();
+    state->reader.startPrefetch(state->file.channels);
+    state->stereoRing.clear();
     state->transport.stop();
     state->transport.clearFinished();
-    state->paused.store(false, std::memory_order_release);
-    state->audioStarted.store(false, std::memory_order_release);
+    state->transport.forgetAudio();
     state->openFlag.store(true, std::memory_order_release);
     state->mixerRunning.store(true, std::memory_order_release);
     state->mixerThread = std::thread([this] { mixerLoop(); });
@@ -109,30 +72,31 @@ void TagwellAudioPlayer::close()
     state->converter.teardown();
     state->reader.close();
     state->openFlag.store(false, std::memory_order_release);
-    state->channels = 0;
-    state->sampleRate = 0;
+    state->file.channels = 0;
+    state->file.sampleRate = 0;
 }
 
 bool TagwellAudioPlayer::setupAudioUnit()
 {
     teardownAudioUnit();
-    state->outputDevice = AudioOutput::defaultOutputDevice();
-    if (state->outputDevice == 0)
+    AudioOutput::DevicePtr device = AudioOutput::openDefaultDevice();
+    state->outputDevice = device ? AudioOutput::deviceId(*device) : 0;
+    if (!device)
         return false;
-    const double nominal = AudioOutput::nominalSampleRate(state->outputDevice);
+    const double nominal = AudioOutput::nominalSampleRate(*device);
     state->deviceRate = nominal > 0.0 ? nominal : PlayerState::kDefaultRate;
 
-    state->outputUnit = AudioOutput::newUnit();
+    state->outputUnit = AudioOutput::newUnit(std::move(device));
     if (!state->outputUnit)
         return false;
-    if (!AudioOutput::setStreamFormat(state->outputUnit, state->deviceRate)
-        || !AudioOutput::setRenderCallback(state->outputUnit, &TagwellAudioPlayer::renderCallback, state.get())) {
+    AudioOutput::Unit& unit = *state->outputUnit;
+    if (!AudioOutput::setStreamFormat(unit, state->deviceRate)
+        || !AudioOutput::setRenderCallback(unit, &TagwellAudioPlayer::renderCallback, state.get())) {
         // Never initialised, so there is nothing to take back but the unit itself.
-        AudioOutput::dispose(state->outputUnit);
-        state->outputUnit = nullptr;
+        state->outputUnit.reset();
         return false;
     }
-    if (!AudioOutput::initialize(state->outputUnit)) {
+    if (!AudioOutput::initialize(unit)) {
         teardownAudioUnit();
         return false;
     }
@@ -143,25 +107,22 @@ void TagwellAudioPlayer::teardownAudioUnit()
 {
     if (!state->outputUnit)
         return;
-    AudioOutput::stop(state->outputUnit);
-    AudioOutput::uninitialize(state->outputUnit);
-    AudioOutput::dispose(state->outputUnit);
-    state->outputUnit = nullptr;
+    AudioOutput::stop(*state->outputUnit);
+    AudioOutput::uninitialize(*state->outputUnit);
+    state->outputUnit.reset();
 }
 
 bool TagwellAudioPlayer::play()
 {
     if (!isOpen() || !state->outputUnit)
         return false;
-    state->audioStarted.store(false, std::memory_order_release);
-    state->paused.store(false, std::memory_order_release);
     state->transport.start();
-    return AudioOutput::start(state->outputUnit) == 0;
+    return AudioOutput::start(*state->outputUnit) == 0;
 }
 
 void TagwellAudioPlayer::pause()
 {
-    state->paused.store(true, std::memory_order_release);
+    state->transport.pause();
 }
 
 void TagwellAudioPlayer::resume()
@@ -170,29 +131,28 @@ void TagwellAudioPlayer::resume()
         (void)play(); // Nobody is there to tell; the transport shows Playing either way.
         return;
     }
-    state->paused.store(false, std::memory_order_release);
+    state->transport.resume();
 }
 
 void TagwellAudioPlayer::stop()
 {
     state->transport.stop();
-    state->paused.store(false, std::memory_order_release);
     if (state->outputUnit)
-        AudioOutput::stop(state->outputUnit);
-    state->emptyStereoRing();
+        AudioOutput::stop(*state->outputUnit);
+    state->stereoRing.clear();
     state->converter.reset();
     if (state->reader.isOpen())
         state->reader.setPosition(0);
     state->transport.clearFinished();
-    state->audioStarted.store(false, std::memory_order_release);
-    state->zeroPeaks();
+    state->transport.forgetAudio();
+    state->peaks.zero();
 }
 
 void TagwellAudioPlayer::seekSeconds(double seconds)
 {
     if (!state->reader.isOpen())
         return;
-    state->emptyStereoRing();
+    state->stereoRing.clear();
     state->converter.reset();
     state->reader.seekSeconds(std::max(seconds, 0.0));
     state->transport.clearFinished();
@@ -205,12 +165,12 @@ bool TagwellAudioPlayer::isOpen() const
 
 bool TagwellAudioPlayer::isPlaying() const
 {
-    return state->transport.playing() && !isPaused();
+    return state->transport.runs();
 }
 
 bool TagwellAudioPlayer::isPaused() const
 {
-    return state->paused.load(std::memory_order_acquire);
+    return state->transport.paused();
 }
 
 bool TagwellAudioPlayer::isFinished() const
@@ -220,11 +180,11 @@ bool TagwellAudioPlayer::isFinished() const
 
 double TagwellAudioPlayer::positionSeconds() const
 {
-    if (!state->reader.isOpen() || state->sampleRate < 1 || !(state->deviceRate > 0.0))
+    if (!state->reader.isOpen() || state->file.sampleRate < 1 || !(state->deviceRate > 0.0))
         return 0.0;
     // Two clocks: what the mixer has taken counts in file frames, what it has queued counts in device frames.
-    const double queued = state->queuedFrames() / state->deviceRate;
-    const double consumed = static_cast<double>(state->reader.getPosition()) / state->sampleRate;
+    const double queued = state->stereoRing.queued() / state->deviceRate;
+    const double consumed = static_cast<double>(state->reader.getPosition()) / state->file.sampleRate;
     return std::max(consumed - queued, 0.0);
 }
 
@@ -235,19 +195,19 @@ double TagwellAudioPlayer::durationSeconds() const
 
 int32_t TagwellAudioPlayer::sampleRate() const
 {
-    return state->sampleRate;
+    return state->file.sampleRate;
 }
 int32_t TagwellAudioPlayer::channels() const
 {
-    return state->channels;
+    return state->file.channels;
 }
 int32_t TagwellAudioPlayer::bitDepth() const
 {
-    return state->bitDepth;
+    return state->file.bitsPerSample;
 }
 int32_t TagwellAudioPlayer::formatCode() const
 {
-    return state->formatCode;
+    return state->file.formatCode;
 }
 double TagwellAudioPlayer::deviceSampleRate() const
 {
@@ -269,7 +229,7 @@ void TagwellAudioPlayer::setTrackSolo(int32_t track, bool on)
 
 float TagwellAudioPlayer::trackPeak(int32_t track) const
 {
-    if (track < 0 || track >= state->channels)
-        return 0.0F;
-    return state->peaks[static_cast<size_t>(track)].load(std::memory_order_relaxed);
+    if (track < 0 || track >= state->file.channels)
+        return 0.0f;
+    return state->peaks.at(static_cast<size_t>(track));
 }

@@ -25,25 +25,20 @@ uint32_t fillTarget(double deviceRate)
 }
 
 // Nothing came and nothing is queued: if something was playing and the file is at its end, it has ended. A seek, a stop
-// or a start since `transport` was marked has the last word.
-void finishAtEnd(PlayerState& state, uint64_t transport, uint32_t used)
+// or a start since `mark` was taken has the last word.
+void finishAtEnd(PlayerState& state, uint64_t mark, uint32_t used)
 {
-    if (state.audioStarted.load(std::memory_order_acquire) && state.reader.isAtEnd() && used == 0)
-        state.transport.finish(transport);
+    if (state.transport.audioStarted() && state.reader.isAtEnd() && used == 0)
+        state.transport.finish(mark);
 }
 
 void raisePeaks(PlayerState& state, const MixerBlocks& blocks)
 {
-    const auto tracks = static_cast<size_t>(state.channels);
-    for (size_t track = 0; track < tracks; ++track) {
-        std::atomic<float>& peak = state.peaks[track];
-        const float fallen = state.peakDecay * peak.load(std::memory_order_relaxed);
-        peak.store(std::max(blocks.peaks[track], fallen), std::memory_order_relaxed);
-    }
+    state.peaks.raise(blocks.peaks.data(), static_cast<size_t>(state.file.channels));
     // A stop in the meantime has zeroed the peaks, perhaps before the stores above. Either it is found here, or its
     // zeroes come after these stores.
     if (!state.transport.stillPlaying())
-        state.zeroPeaks();
+        state.peaks.zero();
 }
 
 } // namespace
@@ -56,55 +51,45 @@ MixerBlocks::MixerBlocks(int32_t channels)
 {
 }
 
-void PlayerState::publishFrames(uint64_t from, const float* stereo, uint32_t frames)
-{
-    for (uint32_t i = 0; i < frames; ++i) {
-        const StereoFrame frame{ stereo[2 * size_t{ i }], stereo[2 * size_t{ i } + 1] };
-        stereoRing[(from + i) & kStereoMask].store(frame, std::memory_order_relaxed);
-    }
-    stereoWrite.compare_exchange_strong(
-        from, movedOn(from, frames), std::memory_order_release, std::memory_order_relaxed);
-}
-
 std::chrono::milliseconds mixerPass(PlayerState& state, const PlaybackMixer& mixer, MixerBlocks& blocks)
 {
-    const uint64_t transport = state.transport.mark();
-    if (!TransportFlags::plays(transport) || state.paused.load(std::memory_order_acquire))
+    const uint64_t mark = state.transport.mark();
+    if (!Transport::plays(mark) || state.transport.paused())
         return kIdleSleep;
 
-    const uint32_t used = state.queuedFrames();
+    const uint32_t used = state.stereoRing.queued();
     const uint32_t target = fillTarget(state.deviceRate);
-    const uint32_t room = PlayerState::kUsableFrames - used;
+    const uint32_t room = StereoRing::kUsableFrames - used;
     if (target <= used || room < kMinimumRoom) {
-        finishAtEnd(state, transport, used);
+        finishAtEnd(state, mark, used);
         return kFullSleep;
     }
 
     // Device frames are counted here and file frames taken, without the ratio of the rates: the ring is topped up pass
     // by pass, so it gets there all the same.
     const uint32_t count = std::min({ target - used, room, static_cast<uint32_t>(MixerBlocks::kFileFrames) });
-    const int32_t got = state.reader.readFrames(blocks.input.data(), static_cast<int32_t>(count), state.channels);
+    const int32_t got = state.reader.readFrames(blocks.input.data(), static_cast<int32_t>(count), state.file.channels);
     if (got < 1) {
-        finishAtEnd(state, transport, used);
+        finishAtEnd(state, mark, used);
         return kNoDataSleep;
     }
 
     // Loaded only now: the frames of a block that is dropped for a changed counter are then surely from before that
     // change. After a seek that was taken before the read, these are the first frames of the new place.
-    const uint64_t from = state.stereoWrite.load(std::memory_order_relaxed);
-    state.audioStarted.store(true, std::memory_order_release);
+    const uint64_t from = state.stereoRing.mark();
+    state.transport.startAudio();
     mixer.mixToStereo(blocks.input.data(), got, blocks.stereo.data(), blocks.peaks.data());
     raisePeaks(state, blocks);
     const int32_t made
         = state.converter.convert(blocks.stereo.data(), got, blocks.converted.data(), MixerBlocks::kDeviceFrames);
     if (made >= 1)
-        state.publishFrames(from, blocks.converted.data(), static_cast<uint32_t>(made));
+        state.stereoRing.publish(from, blocks.converted.data(), static_cast<uint32_t>(made));
     return kNoSleep;
 }
 
 void TagwellAudioPlayer::mixerLoop()
 {
-    MixerBlocks blocks(state->channels);
+    MixerBlocks blocks(state->file.channels);
     while (state->mixerRunning.load(std::memory_order_acquire)) {
         const std::chrono::milliseconds rest = mixerPass(*state, mixer, blocks);
         if (rest > kNoSleep)

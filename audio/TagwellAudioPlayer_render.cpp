@@ -6,6 +6,7 @@
 #include "audio/PlayerState.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace {
@@ -15,7 +16,7 @@ using AudioOutput::BufferList;
 
 // What the callback has taken from the ring; frames beyond `count` are silence.
 struct Taken {
-    std::array<StereoFrame, PlayerState::kRenderBatch> frames;
+    std::array<StereoFrame, StereoRing::kRenderBatch> frames;
     uint32_t count;
 };
 
@@ -26,7 +27,7 @@ void fillChannel(const Buffer& buffer, uint32_t frames, const Taken& taken, floa
     auto* out = static_cast<float*>(buffer.mData);
     for (uint32_t i = 0; i < taken.count; ++i)
         out[i] = taken.frames[i].*side;
-    std::fill(out + taken.count, out + frames, 0.0F);
+    std::fill(out + taken.count, out + frames, 0.0f);
 }
 
 // One buffer for each channel: left, right, and silence in all others.
@@ -53,7 +54,7 @@ void fillInterleaved(const Buffer& buffer, const Taken& taken)
         out[0] = frame.left;
         if (channels >= 2) {
             out[1] = frame.right;
-            std::fill(out + 2, out + channels, 0.0F);
+            std::fill(out + 2, out + channels, 0.0f);
         }
         out += channels;
     }
@@ -61,39 +62,14 @@ void fillInterleaved(const Buffer& buffer, const Taken& taken)
 
 } // namespace
 
-uint32_t PlayerState::takeFrames(uint32_t frames, StereoFrame* out)
-{
-    if (frames == 0 || !transport.playing() || paused.load(std::memory_order_acquire))
-        return 0;
-    const StereoTake take = copyFrames(frames, out);
-    dropFrames(take);
-    return take.count;
-}
-
-PlayerState::StereoTake PlayerState::copyFrames(uint32_t frames, StereoFrame* out) const
-{
-    const uint64_t from = stereoRead.load(std::memory_order_relaxed);
-    const uint32_t available = framesBetween(from, stereoWrite.load(std::memory_order_acquire));
-    const uint32_t count = std::min({ frames, available, kRenderBatch });
-    for (uint32_t i = 0; i < count; ++i)
-        out[i] = stereoRing[(from + i) & kStereoMask].load(std::memory_order_relaxed);
-    return { from, count };
-}
-
-void PlayerState::dropFrames(const StereoTake& take)
-{
-    uint64_t expected = take.from;
-    stereoRead.compare_exchange_strong(
-        expected, movedOn(take.from, take.count), std::memory_order_release, std::memory_order_relaxed);
-}
-
 int32_t TagwellAudioPlayer::renderCallback(void* context, uint32_t* /*actionFlags*/, const void* /*timeStamp*/,
     uint32_t /*busNumber*/, uint32_t frames, AudioOutput::BufferList* bufferList)
 {
     if (!context || !bufferList)
         return 0;
+    auto& state = *static_cast<PlayerState*>(context);
     Taken taken;
-    taken.count = static_cast<PlayerState*>(context)->takeFrames(frames, taken.frames.data());
+    taken.count = frames > 0 && state.transport.runs() ? state.stereoRing.take(frames, taken.frames.data()) : 0;
 
     const Buffer* buffers = AudioOutput::buffersOf(bufferList);
     const uint32_t bufferCount = bufferList->mNumberBuffers;

@@ -3,6 +3,7 @@
 #include "audio/SampleDecode.h"
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <limits>
 #include <system_error>
@@ -11,7 +12,9 @@ namespace {
 
 // Bytes of one piece of a synchronous read: with its floats, less than the cache next to a core.
 constexpr int64_t kPieceBytes = 262144;
-static_assert(kPieceBytes >= WavFileReader::kMaxChannels * 4);
+static_assert(kPieceBytes >= int64_t{ WavFileReader::kMaxChannels } * 4);
+
+constexpr std::chrono::nanoseconds kIdleSleep{ 5'000'000 }; // Of the producer without anything to do.
 
 // Opening a pipe would wait for its other end.
 bool isRegularFile(const std::string& path)
@@ -29,6 +32,14 @@ int64_t truncatedToFrame(double value)
     if (!(value > 0.0))
         return 0;
     return static_cast<int64_t>(value);
+}
+
+// Makes room in `scratch` for `frames` stored frames of a file with this header.
+void growScratch(std::vector<uint8_t>& scratch, const WavHeader& header, int64_t frames)
+{
+    const auto size = static_cast<size_t>(frames * header.frameBytes() + kSampleSlack);
+    if (scratch.size() < size)
+        scratch.resize(size);
 }
 
 } // namespace
@@ -49,87 +60,68 @@ bool WavFileReader::open(const std::string& path)
         return false;
     }
     opened = true;
-    position = 0;
-    growScratch(kBlockFrames);
+    position.store(0, std::memory_order_seq_cst);
+    growScratch(scratch, header, PrefetchRing::kBlockFrames);
     return true;
 }
 
 void WavFileReader::close()
 {
     stopPrefetch();
+    producer.reset();
     stream.close();
     stream.clear();
     opened = false;
-    isRF64 = false;
-    sampleRate = 0;
-    channels = 0;
-    bitsPerSample = 0;
-    bytesPerSample = 0;
-    formatCode = 0;
-    dataSize = 0;
-    totalFrames = 0;
-    position = 0;
+    header = WavHeader{};
+    position.store(0, std::memory_order_seq_cst);
+}
+
+bool WavFileReader::parseHeader()
+{
+    const std::optional<WavHeader> found = readWavHeader(stream);
+    header = found.value_or(WavHeader{});
+    return found.has_value();
 }
 
 double WavFileReader::getDuration() const
 {
-    if (sampleRate < 1)
+    if (header.sampleRate < 1)
         return 0.0;
-    return static_cast<double>(totalFrames) / sampleRate;
+    return static_cast<double>(header.totalFrames) / header.sampleRate;
 }
 
 int64_t WavFileReader::getPosition() const
 {
-    return isPrefetching() ? frameOf(ringPosition.load()) : position.load();
+    return isPrefetching() ? prefetchRing.position() : position.load(std::memory_order_seq_cst);
 }
 
 void WavFileReader::setPosition(int64_t frame)
 {
     if (!opened)
         return;
-    goToFrame(std::clamp<int64_t>(frame, 0, totalFrames));
+    goToFrame(std::clamp<int64_t>(frame, 0, header.totalFrames));
 }
 
 void WavFileReader::seekSeconds(double seconds)
 {
-    if (sampleRate < 1 || !opened)
+    if (header.sampleRate < 1 || !opened)
         return;
-    goToFrame(std::clamp<int64_t>(truncatedToFrame(seconds * sampleRate), 0, totalFrames));
+    goToFrame(std::clamp<int64_t>(truncatedToFrame(seconds * header.sampleRate), 0, header.totalFrames));
 }
 
 void WavFileReader::goToFrame(int64_t frame)
 {
     if (isPrefetching()) {
-        // The position goes first, so that it has jumped before the first new frame can be counted on top of it.
-        const uint64_t word = nextSeekWord(frame);
-        ringPosition.store(word, std::memory_order_relaxed);
-        seekTarget.store(word, std::memory_order_release);
+        prefetchRing.requestSeek(frame);
         return;
     }
-    position = frame;
-    seekStreamToFrame(frame);
-}
-
-// A claimed size near 2 to the 64 has frames that no file offset reaches. Going there fails the stream, as any
-// impossible seek does.
-void WavFileReader::seekStreamToFrame(int64_t frame)
-{
-    const std::streamoff start = dataStart;
-    if (frame > (std::numeric_limits<std::streamoff>::max() - start) / frameBytes()) {
-        stream.setstate(std::ios::failbit);
-        return;
-    }
-    stream.seekg(start + frame * frameBytes(), std::ios::beg);
+    position.store(frame, std::memory_order_seq_cst);
+    goToWavFrame(stream, header, frame);
 }
 
 bool WavFileReader::isAtEnd() const
 {
-    return getPosition() >= totalFrames;
-}
-
-int32_t WavFileReader::effectiveChannels(int32_t wanted) const
-{
-    return wanted < 1 || wanted > channels ? channels : wanted;
+    return getPosition() >= header.totalFrames;
 }
 
 int32_t WavFileReader::readFrames(float* out, int32_t frames, int32_t outChannels)
@@ -138,43 +130,92 @@ int32_t WavFileReader::readFrames(float* out, int32_t frames, int32_t outChannel
         return 0;
     if (!isPrefetching())
         return readFramesSync(out, frames, outChannels);
-    return readFramesFromRing(out, frames, effectiveChannels(outChannels));
+    return readFramesFromRing(out, frames, header.effectiveChannels(outChannels));
 }
 
 // The stream's failure state is left as it is: after a short read nothing more comes until the file is opened again.
 // A long read goes piece by piece, so that the bytes of each are decoded while they are in the cache.
 int32_t WavFileReader::readFramesSync(float* out, int32_t frames, int32_t outChannels)
 {
-    const int64_t start = position;
-    const int64_t count = std::min<int64_t>(totalFrames - start, frames);
+    const int64_t start = position.load(std::memory_order_seq_cst);
+    const int64_t count = std::min<int64_t>(header.totalFrames - start, frames);
     if (count < 1)
         return 0;
-    const FrameDecoder decode = frameDecoder(formatCode, bitsPerSample);
-    const int32_t decodedChannels = effectiveChannels(outChannels);
-    const int64_t pieceFrames = std::min(count, kPieceBytes / frameBytes());
-    growScratch(pieceFrames);
+    const FrameDecoder decode = frameDecoder(header.formatCode, header.bitsPerSample);
+    const int32_t decodedChannels = header.effectiveChannels(outChannels);
+    const int64_t pieceFrames = std::min(count, kPieceBytes / header.frameBytes());
+    growScratch(scratch, header, pieceFrames);
 
-    seekStreamToFrame(start);
+    goToWavFrame(stream, header, start);
     int64_t done = 0;
     while (done < count && stream) {
         const int64_t wanted = std::min(pieceFrames, count - done);
-        stream.read(reinterpret_cast<char*>(scratch.data()), wanted * frameBytes());
-        const int64_t got = stream.gcount() / frameBytes();
-        decode(scratch.data(), got, channels, out + done * decodedChannels, decodedChannels);
+        stream.read(reinterpret_cast<char*>(scratch.data()), wanted * header.frameBytes());
+        const int64_t got = stream.gcount() / header.frameBytes();
+        decode(scratch.data(), got, header.channels, out + done * decodedChannels, decodedChannels);
         done += got;
     }
-    position = start + done;
+    position.store(start + done, std::memory_order_seq_cst);
     return static_cast<int32_t>(done);
 }
 
-void WavFileReader::growScratch(int64_t frames)
+void WavFileReader::startPrefetch(int32_t maxChannels)
 {
-    const size_t size = static_cast<size_t>(frames * frameBytes() + kSampleSlack);
-    if (scratch.size() < size)
-        scratch.resize(size);
+    if (!opened || isPrefetching())
+        return;
+    startPrefetchByHand(maxChannels);
+    try {
+        prefetchThread = std::thread(&WavFileReader::prefetchLoop, this);
+    } catch (...) {
+        prefetchRunning.store(false, std::memory_order_seq_cst);
+        throw;
+    }
+}
+
+PrefetchProducer& WavFileReader::startPrefetchByHand(int32_t maxChannels)
+{
+    const int64_t first = position.load(std::memory_order_seq_cst);
+    prefetchRing.reset(header.effectiveChannels(maxChannels), first, header.totalFrames);
+    producer.emplace(prefetchRing, stream, header, first);
+    prefetchRunning.store(true, std::memory_order_seq_cst);
+    return *producer;
+}
+
+void WavFileReader::stopPrefetch()
+{
+    if (prefetchRunning.exchange(false, std::memory_order_seq_cst) && prefetchThread.joinable())
+        prefetchThread.join();
+}
+
+void WavFileReader::prefetchLoop()
+{
+    while (isPrefetching()) {
+        if (!producer->pass())
+            std::this_thread::sleep_for(kIdleSleep);
+    }
+}
+
+bool WavFileReader::findChunk(const char* id, uint32_t& size, bool consumeHeader)
+{
+    return findWavChunk(stream, id, size, consumeHeader);
+}
+
+uint16_t WavFileReader::readUint16LE()
+{
+    return ::readUint16LE(stream);
+}
+
+uint32_t WavFileReader::readUint32LE()
+{
+    return ::readUint32LE(stream);
+}
+
+uint64_t WavFileReader::readUint64LE()
+{
+    return ::readUint64LE(stream);
 }
 
 float WavFileReader::convertSampleToFloat(const uint8_t* bytes) const
 {
-    return decodeSample(bytes, formatCode, bitsPerSample);
+    return decodeSample(bytes, header.formatCode, header.bitsPerSample);
 }

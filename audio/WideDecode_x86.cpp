@@ -24,7 +24,7 @@ __attribute__((target("avx2"))) int64_t decodeAvx2(const uint8_t* in, int64_t sa
     const __m256i raise = _mm256_setr_epi8(-1, 0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, // Bytes 0 to 11.
         -1, 4, 5, 6, -1, 7, 8, 9, -1, 10, 11, 12, -1, 13, 14, 15); // Bytes 12 to 23.
     const __m256 scale = _mm256_set1_ps(1.0f / 2147483648.0f);
-    const auto decodeStep = [=](int64_t i) __attribute__((target("avx2"), always_inline))
+    const auto decodeStep = [ raise, scale, in, out ](int64_t i) __attribute__((target("avx2"), always_inline))
     {
         const uint8_t* bytes = in + 3 * i;
         const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));

@@ -70,11 +70,12 @@ function(tagwell_write_links file)
   file(WRITE "${file}" "${lines}")
 endfunction()
 
-# tagwell_test(core TimecodeTest LINK libs ... [QT] [SOURCES more.cpp ...])
+# tagwell_test(core TimecodeTest LINK libs ... [QT] [DRIVEN] [SOURCES more.cpp ...])
 # One executable out of <Name>.cpp, one CTest entry for each test in it, under the label given first.
 # With QT the executable gets a QApplication on the offscreen platform, and any Qt warning fails the test.
+# With DRIVEN it gets the audio output whose clock is the test, which whatever plays needs.
 function(tagwell_test label name)
-  cmake_parse_arguments(ARG "QT" "" "LINK;SOURCES" ${ARGN})
+  cmake_parse_arguments(ARG "QT;DRIVEN" "" "LINK;SOURCES" ${ARGN})
   add_executable(${name} ${name}.cpp ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE tagwell_build_options tagwell_test_support ${ARG_LINK} GTest::gtest)
   # A test's own code runs once; compiling its many checks is what takes long.
@@ -83,6 +84,9 @@ function(tagwell_test label name)
     target_link_libraries(${name} PRIVATE tagwell_qt_test_main Qt6::Test)
   else()
     target_link_libraries(${name} PRIVATE GTest::gtest_main)
+  endif()
+  if(ARG_DRIVEN)
+    target_link_libraries(${name} PRIVATE tagwell_test_driven_output)
   endif()
   gtest_discover_tests(${name} TEST_PREFIX "${label}." DISCOVERY_TIMEOUT 120
     PROPERTIES LABELS ${label} TIMEOUT 600)

@@ -21,7 +21,7 @@ constexpr double kSmallestMove = 0.001;
 size_t framesToExpect(const WavFileReader& reader, const std::string& path)
 {
     const qint64 fileBytes = QFileInfo(QString::fromStdString(path)).size();
-    const qint64 frameBytes = qint64{ reader.getChannels() } * (reader.getBitsPerSample() / 8);
+    const qint64 frameBytes = reader.getHeader().frameBytes();
     return static_cast<size_t>(std::min<qint64>(reader.getTotalFrames(), fileBytes / frameBytes));
 }
 

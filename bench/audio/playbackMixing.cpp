@@ -24,7 +24,7 @@ constexpr double kRate = 48000.0;
 std::vector<float> noise(size_t count)
 {
     std::mt19937 random(5);
-    std::uniform_real_distribution<float> sample(-0.1F, 0.1F);
+    std::uniform_real_distribution<float> sample(-0.1f, 0.1f);
     std::vector<float> values(count);
     for (float& each : values)
         each = sample(random);
@@ -38,18 +38,18 @@ void mixPlainly(
     float gains[PlaybackMixer::kMaxTracks];
     for (int32_t track = 0; track < tracks; ++track) {
         gains[track] = mixer.effectiveGain(track, false);
-        peaks[track] = 0.0F;
+        peaks[track] = 0.0f;
     }
-    const float factor = 1.0F / std::sqrt(static_cast<float>(tracks));
+    const float factor = 1.0f / std::sqrt(static_cast<float>(tracks));
     for (int32_t frame = 0; frame < frames; ++frame) {
-        float sum = 0.0F;
+        float sum = 0.0f;
         for (int32_t track = 0; track < tracks; ++track) {
             const float sample = *input++ * gains[track];
             if (std::abs(sample) > peaks[track])
                 peaks[track] = std::abs(sample);
             sum += sample;
         }
-        const float value = std::clamp(sum * factor, -1.0F, 1.0F);
+        const float value = std::clamp(sum * factor, -1.0f, 1.0f);
         *out++ = value;
         *out++ = value;
     }
@@ -84,7 +84,7 @@ void mixToStereo(benchmark::State& state)
     std::vector<float> plain(data.stereo.size());
     mixPlainly(
         data.mixer, data.input.data(), kBlock, static_cast<int32_t>(state.range(0)), plain.data(), data.peaks.data());
-    float farthest = 0.0F;
+    float farthest = 0.0f;
     for (size_t i = 0; i < plain.size(); ++i)
         farthest = std::max(farthest, std::abs(plain[i] - data.stereo[i]));
     state.counters["deviation"] = static_cast<double>(farthest);
@@ -133,7 +133,7 @@ void renderCallback(benchmark::State& state)
     list.buffer(1) = { 1, kRenderFrames * 4, right.data() };
     list.list()->mNumberBuffers = channels == 1 ? 2 : 1;
     for (auto _ : state) {
-        player->stereoWrite.store(PlayerState::movedOn(player->stereoRead, 4000), std::memory_order_relaxed);
+        player->stereoRing.advance(player->stereoRing.mark(), kRenderFrames);
         render(player.get(), nullptr, nullptr, 0, kRenderFrames, list.list());
         benchmark::ClobberMemory();
     }
@@ -156,10 +156,10 @@ void memcpyOfAsMuch(benchmark::State& state)
 
 void publishBlock(benchmark::State& state)
 {
-    const auto player = std::make_unique<PlayerState>();
+    StereoRing ring;
     const std::vector<float> stereo = noise(size_t{ kRenderFrames } * 2);
     for (auto _ : state) {
-        player->publishFrames(player->stereoWrite, stereo.data(), kRenderFrames);
+        ring.publish(ring.mark(), stereo.data(), kRenderFrames);
         benchmark::ClobberMemory();
     }
     countFrames(state);

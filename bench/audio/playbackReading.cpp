@@ -91,7 +91,7 @@ BENCHMARK(decodeWhole)
 // Nanoseconds for one sample of a loop, on blocks as the producer has them.
 void decodeLoop(benchmark::State& state, int32_t formatCode, int32_t bits, int32_t outChannels)
 {
-    constexpr int64_t kFrames = WavFileReader::kBlockFrames;
+    constexpr int64_t kFrames = PrefetchRing::kBlockFrames;
     std::vector<uint8_t> in(static_cast<size_t>(kFrames * kChannels * bits / 8), 0x35);
     std::vector<float> out(static_cast<size_t>(kFrames * outChannels));
     const FrameDecoder decode = frameDecoder(formatCode, bits);
@@ -114,7 +114,7 @@ BENCHMARK_CAPTURE(decodeLoop, float32FirstTwoOfEight, kFormatFloat, 32, 2);
 // A baseline for the loops: one sample of 24 bits at a time, through the rule for a single one.
 void decodeOneByOne(benchmark::State& state)
 {
-    constexpr int64_t kSamples = WavFileReader::kBlockFrames * kChannels;
+    constexpr int64_t kSamples = PrefetchRing::kBlockFrames * kChannels;
     std::vector<uint8_t> in(kSamples * 3, 0x35);
     std::vector<float> out(kSamples);
     for (auto _ : state) {
@@ -146,10 +146,10 @@ void ringRead(benchmark::State& state)
 {
     const auto channels = static_cast<int32_t>(state.range(0));
     constexpr int32_t kBlock = 256;
-    constexpr int64_t kBlocks = WavFileReader::kRingFrames / kBlock;
+    constexpr int64_t kBlocks = PrefetchRing::kFrames / kBlock;
     const TempFolder folder;
     WavFileReader reader;
-    reader.open(ringFile(folder, channels, WavFileReader::kRingFrames));
+    reader.open(ringFile(folder, channels, PrefetchRing::kFrames));
     reader.startPrefetch(0);
     std::vector<float> out(static_cast<size_t>(kBlock * channels));
     int64_t frames = 0;
@@ -179,7 +179,7 @@ void ringMemcpy(benchmark::State& state)
 {
     const auto channels = static_cast<size_t>(state.range(0));
     constexpr size_t kBlock = 256;
-    constexpr size_t kRing = WavFileReader::kRingFrames;
+    constexpr size_t kRing = PrefetchRing::kFrames;
     std::vector<float> ring(kRing * channels, 0.5f);
     std::vector<float> out(kBlock * channels);
     int64_t frames = 0;
@@ -190,7 +190,7 @@ void ringMemcpy(benchmark::State& state)
             benchmark::ClobberMemory();
         }
         state.SetIterationTime(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
-        frames += WavFileReader::kRingFrames;
+        frames += PrefetchRing::kFrames;
     }
     countFrames(state, frames);
 }

@@ -80,9 +80,9 @@ void Device::run(const PlayerState& state)
     timespec next{};
     clock_gettime(CLOCK_MONOTONIC, &next);
     while (!ending) {
-        const uint64_t before = state.stereoRead.load();
+        const uint32_t before = state.stereoRing.taken();
         DrivenOutput::pull(left.data(), right.data(), kPeriod);
-        take(left.data(), PlayerState::framesBetween(before, state.stereoRead.load()));
+        take(left.data(), state.stereoRing.taken() - before);
         const int64_t due = next.tv_nsec + kNanoseconds * kPeriod / kRate;
         next.tv_sec += due / kNanoseconds;
         next.tv_nsec = due % kNanoseconds;

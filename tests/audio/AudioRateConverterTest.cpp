@@ -82,7 +82,7 @@ protected:
         input.resize(static_cast<size_t>(frames) * 2);
         for (size_t i = 0; i < input.size(); ++i)
             input[i] = static_cast<float>(i + 1);
-        output.assign(static_cast<size_t>(capacity) * 2 + 2, -1.0F);
+        output.assign(static_cast<size_t>(capacity) * 2 + 2, -1.0f);
         return converter.convert(input.data(), frames, output.data(), capacity);
     }
 
@@ -98,7 +98,7 @@ TEST_F(AudioRateConverterTest, equalRatesPassThroughWithoutAConverter)
     for (const double rate : { 48000.0, 48000.005, 47999.995 }) {
         EXPECT_TRUE(converter.setup(48000.0, rate));
         EXPECT_EQ(convertRamp(3, 8), 3);
-        EXPECT_EQ(output[5], 6.0F);
+        EXPECT_EQ(output[5], 6.0f);
     }
     EXPECT_EQ(notes.made, 0);
 }
@@ -129,7 +129,7 @@ TEST_F(AudioRateConverterTest, ratesOfZeroOrLessAreRefusedAndLeaveAPassThrough)
         EXPECT_EQ(notes.alive, 0) << "the converter of the earlier setup is gone";
         EXPECT_FALSE(converter.setup(48000.0, rate));
         EXPECT_EQ(convertRamp(2, 2), 2);
-        EXPECT_EQ(output[3], 4.0F);
+        EXPECT_EQ(output[3], 4.0f);
     }
 }
 
@@ -145,14 +145,14 @@ TEST_F(AudioRateConverterTest, convertWithNothingToDoGivesZeroAndTouchesNothing)
     for (const double outputRate : { 48000.0, 44100.0 }) {
         ASSERT_TRUE(converter.setup(48000.0, outputRate));
         notes.answer = 5;
-        float in[2] = { 1.0F, 2.0F };
-        float out[2] = { -1.0F, -1.0F };
+        float in[2] = { 1.0f, 2.0f };
+        float out[2] = { -1.0f, -1.0f };
         EXPECT_EQ(converter.convert(in, 0, out, 1), 0);
         EXPECT_EQ(converter.convert(in, -1, out, 1), 0);
         EXPECT_EQ(converter.convert(in, 1, out, 0), 0);
         EXPECT_EQ(converter.convert(nullptr, 1, out, 1), 0);
         EXPECT_EQ(converter.convert(in, 1, nullptr, 1), 0);
-        EXPECT_EQ(out[0], -1.0F);
+        EXPECT_EQ(out[0], -1.0f);
         EXPECT_EQ(notes.inputFrames, 0) << "the resampler was asked";
     }
 }
@@ -161,14 +161,14 @@ TEST_F(AudioRateConverterTest, passThroughIsCutAtTheCapacity)
 {
     ASSERT_TRUE(converter.setup(48000.0, 48000.0));
     EXPECT_EQ(convertRamp(300, 256), 256);
-    EXPECT_EQ(output[511], 512.0F);
-    EXPECT_EQ(output[512], -1.0F);
+    EXPECT_EQ(output[511], 512.0f);
+    EXPECT_EQ(output[512], -1.0f);
 }
 
 TEST_F(AudioRateConverterTest, aFreshObjectPassesThrough)
 {
     EXPECT_EQ(convertRamp(4, 8), 4);
-    EXPECT_EQ(output[7], 8.0F);
+    EXPECT_EQ(output[7], 8.0f);
 }
 
 TEST_F(AudioRateConverterTest, aBlockGoesToTheConverterWhole)

@@ -16,13 +16,12 @@ protected:
     void open(const std::string& path, double deviceRate = 48000.0)
     {
         ASSERT_TRUE(state->reader.open(path));
-        state->channels = state->reader.getChannels();
-        state->sampleRate = state->reader.getSampleRate();
+        state->file = state->reader.getHeader();
         state->deviceRate = deviceRate;
-        ASSERT_TRUE(state->converter.setup(state->sampleRate, deviceRate));
-        mixer.reset(state->channels);
-        blocks = std::make_unique<MixerBlocks>(state->channels);
-        state->reader.startPrefetch(state->channels);
+        ASSERT_TRUE(state->converter.setup(state->file.sampleRate, deviceRate));
+        mixer.reset(state->file.channels);
+        blocks = std::make_unique<MixerBlocks>(state->file.channels);
+        state->reader.startPrefetch(state->file.channels);
         state->transport.start();
     }
 
@@ -40,7 +39,25 @@ protected:
     }
 
     // As the device would, so that there is room again.
-    void drain() { state->stereoRead = state->stereoWrite.load(); }
+    void drain()
+    {
+        std::vector<StereoFrame> out(StereoRing::kRenderBatch);
+        while (state->stereoRing.take(StereoRing::kRenderBatch, out.data()) > 0) { }
+    }
+
+    // The device takes `frames` frames, 1 to StereoRing::kRenderBatch.
+    void take(uint32_t frames)
+    {
+        std::vector<StereoFrame> out(frames);
+        ASSERT_EQ(state->stereoRing.take(frames, out.data()), frames);
+    }
+
+    // Adds silence until `frames` frames are queued.
+    void queue(uint32_t frames)
+    {
+        ASSERT_TRUE(state->stereoRing.advance(state->stereoRing.mark(), frames - state->stereoRing.queued()));
+        ASSERT_EQ(state->stereoRing.queued(), frames);
+    }
 
     TempFolder folder;
     std::unique_ptr<PlayerState> state = std::make_unique<PlayerState>();
@@ -55,34 +72,34 @@ TEST_F(MixerPassTest, nothingIsTakenWhileTheTransportRests)
     openMono(1000);
     takeBlock();
     const int64_t position = state->reader.getPosition();
-    const float peak = state->peaks[0];
-    EXPECT_GT(peak, 0.0F);
-    state->paused = true;
+    const float peak = state->peaks.at(0);
+    EXPECT_GT(peak, 0.0f);
+    state->transport.pause();
     EXPECT_EQ(pass(), milliseconds(8));
-    state->paused = false;
+    state->transport.resume();
     state->transport.stop();
     EXPECT_EQ(pass(), milliseconds(8));
     EXPECT_EQ(state->reader.getPosition(), position);
-    EXPECT_EQ(state->peaks[0], peak) << "peaks stand still";
+    EXPECT_EQ(state->peaks.at(0), peak) << "peaks stand still";
 }
 
 TEST_F(MixerPassTest, aPassTakes256FramesAtMost)
 {
     openMono(10000);
     takeBlock();
-    EXPECT_EQ(state->stereoWrite, 256U);
-    EXPECT_TRUE(state->audioStarted);
+    EXPECT_EQ(state->stereoRing.written(), 256U);
+    EXPECT_TRUE(state->transport.audioStarted());
 }
 
 TEST_F(MixerPassTest, theRingIsFilledToEightyMilliseconds)
 {
     openMono(20000);
     ASSERT_TRUE(comesTrue([&] { return pass() == milliseconds(2); }));
-    EXPECT_EQ(state->queuedFrames(), 3840U);
+    EXPECT_EQ(state->stereoRing.queued(), 3840U);
     EXPECT_EQ(state->reader.getPosition(), 3840);
-    state->stereoRead = 100;
+    take(100);
     EXPECT_EQ(pass(), milliseconds(0));
-    EXPECT_EQ(state->queuedFrames(), 3840U) << "only what is missing is taken";
+    EXPECT_EQ(state->stereoRing.queued(), 3840U) << "only what is missing is taken";
 }
 
 TEST_F(MixerPassTest, theTargetIsCutToWholeFrames)
@@ -90,7 +107,7 @@ TEST_F(MixerPassTest, theTargetIsCutToWholeFrames)
     openMono(20000, 48000.0);
     state->deviceRate = 44106.0; // 3528.48 frames.
     ASSERT_TRUE(comesTrue([&] { return pass() == milliseconds(2); }));
-    EXPECT_EQ(state->queuedFrames(), 3528U);
+    EXPECT_EQ(state->stereoRing.queued(), 3528U);
 }
 
 TEST_F(MixerPassTest, theTargetIsAtLeast64Frames)
@@ -98,7 +115,7 @@ TEST_F(MixerPassTest, theTargetIsAtLeast64Frames)
     openMono(20000);
     state->deviceRate = 100.0;
     ASSERT_TRUE(comesTrue([&] { return pass() == milliseconds(2); }));
-    EXPECT_EQ(state->queuedFrames(), 64U);
+    EXPECT_EQ(state->stereoRing.queued(), 64U);
 }
 
 TEST_F(MixerPassTest, anAbsurdDeviceRateFillsTheRingUpToLessThan64FramesOfRoom)
@@ -106,7 +123,7 @@ TEST_F(MixerPassTest, anAbsurdDeviceRateFillsTheRingUpToLessThan64FramesOfRoom)
     openMono(40000);
     state->deviceRate = 1e300;
     ASSERT_TRUE(comesTrue([&] { return pass() == milliseconds(2); }));
-    EXPECT_EQ(state->queuedFrames(), 8191U) << "31 blocks of 256 and one of 255";
+    EXPECT_EQ(state->stereoRing.queued(), 8191U) << "31 blocks of 256 and one of 255";
 }
 
 TEST_F(MixerPassTest, lessThan64FramesOfRoomAreLeftAlone)
@@ -115,11 +132,10 @@ TEST_F(MixerPassTest, lessThan64FramesOfRoomAreLeftAlone)
     state->deviceRate = 192000.0; // Wants more than the ring holds.
     takeBlock();
     const int64_t position = state->reader.getPosition();
-    state->stereoWrite = 8191 - 63;
-    state->stereoRead = 0;
+    queue(8191 - 63);
     EXPECT_EQ(pass(), milliseconds(2));
     EXPECT_EQ(state->reader.getPosition(), position);
-    state->stereoRead = 1;
+    take(1);
     EXPECT_EQ(pass(), milliseconds(0));
     EXPECT_EQ(state->reader.getPosition(), position + 64);
 }
@@ -129,7 +145,7 @@ TEST_F(MixerPassTest, theCountOfDeviceFramesIsTakenAsFileFramesWithoutScaling)
     open(makeFloatFile(folder, "fast.wav", 96000, 1, numberedSamples(20000)), 48000.0);
     takeBlock();
     EXPECT_EQ(state->reader.getPosition(), 256);
-    EXPECT_LE(state->stereoWrite, 128U);
+    EXPECT_LE(state->stereoRing.written(), 128U);
 }
 
 TEST_F(MixerPassTest, withoutDataThePassRestsFourMilliseconds)
@@ -146,7 +162,7 @@ TEST_F(MixerPassTest, theEndIsNoticedOnlyWhenTheRingHasRunEmpty)
     takeBlock();
     ASSERT_TRUE(comesTrue([&] {
         pass();
-        return state->stereoWrite == 300U;
+        return state->stereoRing.written() == 300U;
     }));
     EXPECT_EQ(pass(), milliseconds(4));
     EXPECT_FALSE(state->transport.finished());
@@ -164,10 +180,10 @@ TEST_F(MixerPassTest, theEndIsNotNoticedBeforeABlockSinceTheStart)
     takeBlock();
     ASSERT_TRUE(comesTrue([&] {
         pass();
-        return state->stereoWrite == 300U;
+        return state->stereoRing.written() == 300U;
     }));
     drain();
-    state->audioStarted = false;
+    state->transport.forgetAudio();
     pass();
     EXPECT_FALSE(state->transport.finished());
     EXPECT_TRUE(state->transport.playing());
@@ -179,7 +195,7 @@ TEST_F(MixerPassTest, aPendingSeekBeforeTheEndKeepsTheTransportRunning)
     takeBlock();
     ASSERT_TRUE(comesTrue([&] {
         pass();
-        return state->stereoWrite == 300U;
+        return state->stereoRing.written() == 300U;
     }));
     drain();
     state->reader.setPosition(0);
@@ -190,25 +206,25 @@ TEST_F(MixerPassTest, aPendingSeekBeforeTheEndKeepsTheTransportRunning)
 
 TEST_F(MixerPassTest, peaksFallByEightPercentWithEachBlock)
 {
-    std::vector<float> samples(256, 0.5F);
-    samples.resize(1024, 0.0F);
+    std::vector<float> samples(256, 0.5f);
+    samples.resize(1024, 0.0f);
     open(makeFloatFile(folder, "burst.wav", 48000, 1, samples));
     takeBlock();
-    EXPECT_EQ(state->peaks[0], 0.5F);
+    EXPECT_EQ(state->peaks.at(0), 0.5f);
     takeBlock();
-    EXPECT_EQ(state->peaks[0], 0.92F * 0.5F);
+    EXPECT_EQ(state->peaks.at(0), 0.92f * 0.5f);
     takeBlock();
-    EXPECT_EQ(state->peaks[0], 0.92F * (0.92F * 0.5F));
+    EXPECT_EQ(state->peaks.at(0), 0.92f * (0.92f * 0.5f));
 }
 
 TEST_F(MixerPassTest, aLouderBlockRaisesThePeakAtOnce)
 {
-    std::vector<float> samples(256, 0.25F);
-    samples.resize(512, 0.75F);
+    std::vector<float> samples(256, 0.25f);
+    samples.resize(512, 0.75f);
     open(makeFloatFile(folder, "rise.wav", 48000, 1, samples));
     takeBlock();
     takeBlock();
-    EXPECT_EQ(state->peaks[0], 0.75F);
+    EXPECT_EQ(state->peaks.at(0), 0.75f);
 }
 
 TEST_F(MixerPassTest, aConvertedBlockHas1024FramesAtMost)
@@ -216,70 +232,19 @@ TEST_F(MixerPassTest, aConvertedBlockHas1024FramesAtMost)
     open(makeFloatFile(folder, "slow.wav", 24000, 1, numberedSamples(20000)), 192000.0);
     takeBlock();
     takeBlock();
-    const uint64_t before = state->stereoWrite;
+    const uint32_t before = state->stereoRing.written();
     takeBlock();
-    EXPECT_EQ(state->stereoWrite - before, 1024U) << "256 file frames would be 2048";
+    EXPECT_EQ(state->stereoRing.written() - before, 1024U) << "256 file frames would be 2048";
 }
 
 TEST_F(MixerPassTest, convertedBlocksAreWrittenWithoutALookAtTheRoom)
 {
     openMono(60000, 192000.0);
-    ASSERT_TRUE(comesTrue([&] { return pass() == milliseconds(0) && state->stereoWrite > 1000U; }));
-    state->stereoRead = state->stereoWrite - (8191U - 64U); // Room for 64 frames.
-    const uint64_t before = state->stereoWrite;
+    ASSERT_TRUE(comesTrue([&] { return pass() == milliseconds(0) && state->stereoRing.written() > 1000U; }));
+    queue(8191 - 64); // Room for 64 frames.
+    const uint32_t before = state->stereoRing.written();
     EXPECT_EQ(pass(), milliseconds(0));
-    EXPECT_GT(state->stereoWrite - before, 64U) << "64 file frames become about 256";
-}
-
-TEST_F(MixerPassTest, aBlockThatASeekHasOvertakenIsDropped)
-{
-    const std::vector<float> stereo(20, 0.5F);
-    state->stereoWrite = 500;
-    state->publishFrames(400, stereo.data(), 10);
-    EXPECT_EQ(state->stereoWrite, 500U);
-    state->publishFrames(500, stereo.data(), 10);
-    EXPECT_EQ(state->stereoWrite, 510U);
-}
-
-TEST_F(MixerPassTest, aBlockThatAClearHasOvertakenIsDroppedThoughTheCounterStoodAtZero)
-{
-    const std::vector<float> stereo(20, 0.5F);
-    const uint64_t from = state->stereoWrite;
-    ASSERT_EQ(from, 0U);
-    state->emptyStereoRing();
-    state->publishFrames(from, stereo.data(), 10);
-    EXPECT_EQ(state->queuedFrames(), 0U);
-    state->publishFrames(state->stereoWrite, stereo.data(), 10);
-    EXPECT_EQ(state->queuedFrames(), 10U);
-}
-
-TEST_F(MixerPassTest, aRingOfWhichOnlyOneCounterIsClearedIsEmpty)
-{
-    const std::vector<float> stereo(20, 0.5F);
-    state->publishFrames(state->stereoWrite, stereo.data(), 10);
-    const uint64_t written = state->stereoWrite;
-    state->emptyStereoRing();
-    state->stereoWrite = written;
-    EXPECT_EQ(state->queuedFrames(), 0U);
-}
-
-TEST_F(MixerPassTest, anEndFoundBeforeASeekOrStopOrStartCountsNoMore)
-{
-    TransportFlags& transport = state->transport;
-    for (void (TransportFlags::*change)() :
-        { &TransportFlags::clearFinished, &TransportFlags::stop, &TransportFlags::start }) {
-        transport.start();
-        const uint64_t mark = transport.mark();
-        (transport.*change)();
-        const bool playing = transport.playing();
-        EXPECT_FALSE(transport.finish(mark));
-        EXPECT_EQ(transport.playing(), playing);
-        EXPECT_FALSE(transport.finished());
-    }
-    transport.start();
-    EXPECT_TRUE(transport.finish(transport.mark()));
-    EXPECT_FALSE(transport.playing());
-    EXPECT_TRUE(transport.finished());
+    EXPECT_GT(state->stereoRing.written() - before, 64U) << "64 file frames become about 256";
 }
 
 TEST_F(MixerPassTest, blocksHoldAtLeastOneTrack)

@@ -15,7 +15,7 @@ AudioOutput::RenderFunction installedFunction()
     DrivenOutput::reset();
     const TempFolder folder;
     TagwellAudioPlayer player;
-    EXPECT_TRUE(player.open(makeFloatFile(folder, "one.wav", 48000, 1, { 0.5F })));
+    EXPECT_TRUE(player.open(makeFloatFile(folder, "one.wav", 48000, 1, { 0.5f })));
     return DrivenOutput::renderFunction();
 }
 
@@ -32,7 +32,7 @@ protected:
             stereo.push_back(static_cast<float>(queued));
             stereo.push_back(-static_cast<float>(queued));
         }
-        state->publishFrames(state->stereoWrite, stereo.data(), frames);
+        ASSERT_TRUE(state->stereoRing.publish(state->stereoRing.mark(), stereo.data(), frames));
     }
 
     int32_t render(uint32_t frames, AudioOutput::BufferList* list)
@@ -54,42 +54,42 @@ uint32_t bytesOf(const std::vector<float>& samples)
 
 TEST_F(RenderTest, withoutContextOrListNothingHappens)
 {
-    std::vector<float> out(4, 9.0F);
+    std::vector<float> out(4, 9.0f);
     BufferListOf<1> list;
     list.buffer(0) = { 1, bytesOf(out), out.data() };
     EXPECT_EQ(function(nullptr, nullptr, nullptr, 0, 4, list.list()), 0);
-    EXPECT_EQ(out, std::vector<float>(4, 9.0F));
+    EXPECT_EQ(out, std::vector<float>(4, 9.0f));
     queue(4);
     EXPECT_EQ(render(4, nullptr), 0);
-    EXPECT_EQ(state->stereoRead, 0U);
+    EXPECT_EQ(state->stereoRing.taken(), 0U);
 }
 
 TEST_F(RenderTest, separateBuffersGetLeftAndRightAndThenSilence)
 {
     queue(3);
-    std::vector<float> left(5, 9.0F);
-    std::vector<float> right(5, 9.0F);
+    std::vector<float> left(5, 9.0f);
+    std::vector<float> right(5, 9.0f);
     BufferListOf<2> list;
     list.buffer(0) = { 1, bytesOf(left), left.data() };
     list.buffer(1) = { 1, bytesOf(right), right.data() };
     EXPECT_EQ(render(5, list.list()), 0);
     EXPECT_EQ(left, (std::vector<float>{ 1, 2, 3, 0, 0 }));
     EXPECT_EQ(right, (std::vector<float>{ -1, -2, -3, 0, 0 }));
-    EXPECT_EQ(state->stereoRead, 3U);
+    EXPECT_EQ(state->stereoRing.taken(), 3U);
 }
 
 TEST_F(RenderTest, furtherSeparateBuffersAreZeroedOverTheirOwnSize)
 {
     queue(2);
-    std::vector<float> left(2, 9.0F);
-    std::vector<float> right(2, 9.0F);
-    std::vector<float> third(6, 9.0F);
+    std::vector<float> left(2, 9.0f);
+    std::vector<float> right(2, 9.0f);
+    std::vector<float> third(6, 9.0f);
     BufferListOf<4> list;
     list.buffer(0) = { 0, bytesOf(left), left.data() };
     list.buffer(1) = { 1, bytesOf(right), right.data() };
     list.buffer(2) = { 1, bytesOf(third), third.data() };
     render(2, list.list());
-    EXPECT_EQ(third, std::vector<float>(6, 0.0F));
+    EXPECT_EQ(third, std::vector<float>(6, 0.0f));
     EXPECT_EQ(right, (std::vector<float>{ -1, -2 }));
 }
 
@@ -97,19 +97,19 @@ TEST_F(RenderTest, aNullSeparateBufferIsSkipped)
 {
     for (const uint32_t absent : { 0U, 1U }) {
         queue(2);
-        std::vector<float> other(2, 9.0F);
+        std::vector<float> other(2, 9.0f);
         BufferListOf<2> list;
         list.buffer(absent) = { 1, bytesOf(other), nullptr };
         list.buffer(1 - absent) = { 1, bytesOf(other), other.data() };
         EXPECT_EQ(render(2, list.list()), 0);
-        EXPECT_NE(other[0], 9.0F);
+        EXPECT_NE(other[0], 9.0f);
     }
 }
 
 TEST_F(RenderTest, oneStereoBufferIsInterleaved)
 {
     queue(2);
-    std::vector<float> out(8, 9.0F);
+    std::vector<float> out(8, 9.0f);
     BufferListOf<1> list;
     list.buffer(0) = { 2, bytesOf(out), out.data() };
     render(2, list.list());
@@ -119,10 +119,10 @@ TEST_F(RenderTest, oneStereoBufferIsInterleaved)
 TEST_F(RenderTest, oneMonoBufferGetsTheLeftSide)
 {
     for (const uint32_t channels : { 0U, 1U }) {
-        state->emptyStereoRing();
+        state->stereoRing.clear();
         queued = 0;
         queue(2);
-        std::vector<float> out(4, 9.0F);
+        std::vector<float> out(4, 9.0f);
         BufferListOf<1> list;
         list.buffer(0) = { channels, bytesOf(out), out.data() };
         render(4, list.list());
@@ -133,7 +133,7 @@ TEST_F(RenderTest, oneMonoBufferGetsTheLeftSide)
 TEST_F(RenderTest, interleavedChannelsBeyondTwoAreSilent)
 {
     queue(1);
-    std::vector<float> out(8, 9.0F);
+    std::vector<float> out(8, 9.0f);
     BufferListOf<1> list;
     list.buffer(0) = { 4, bytesOf(out), out.data() };
     render(2, list.list());
@@ -143,8 +143,8 @@ TEST_F(RenderTest, interleavedChannelsBeyondTwoAreSilent)
 TEST_F(RenderTest, severalInterleavedBuffersAllGetTheSameFrames)
 {
     queue(2);
-    std::vector<float> first(4, 9.0F);
-    std::vector<float> second(2, 9.0F);
+    std::vector<float> first(4, 9.0f);
+    std::vector<float> second(2, 9.0f);
     BufferListOf<2> list;
     list.buffer(0) = { 2, bytesOf(first), first.data() };
     list.buffer(1) = { 1, bytesOf(second), second.data() };
@@ -156,7 +156,7 @@ TEST_F(RenderTest, severalInterleavedBuffersAllGetTheSameFrames)
 TEST_F(RenderTest, anInterleavedBufferWithoutRoomForAFrameIsSkipped)
 {
     queue(2);
-    std::vector<float> out(2, 9.0F);
+    std::vector<float> out(2, 9.0f);
     BufferListOf<1> list;
     list.buffer(0) = { 2, 7, out.data() };
     EXPECT_EQ(render(2, list.list()), 0);
@@ -164,7 +164,7 @@ TEST_F(RenderTest, anInterleavedBufferWithoutRoomForAFrameIsSkipped)
     EXPECT_EQ(render(2, list.list()), 0);
     list.buffer(0) = { 0xFFFFFFFFU, 8, out.data() };
     EXPECT_EQ(render(2, list.list()), 0);
-    EXPECT_EQ(out, std::vector<float>(2, 9.0F));
+    EXPECT_EQ(out, std::vector<float>(2, 9.0f));
 }
 
 TEST_F(RenderTest, aListOfNoBuffersStillTakesTheFrames)
@@ -173,87 +173,38 @@ TEST_F(RenderTest, aListOfNoBuffersStillTakesTheFrames)
     BufferListOf<1> list;
     list.list()->mNumberBuffers = 0;
     EXPECT_EQ(render(3, list.list()), 0);
-    EXPECT_EQ(state->stereoRead, 3U);
+    EXPECT_EQ(state->stereoRing.taken(), 3U);
 }
 
 TEST_F(RenderTest, oneCallTakes2048FramesAtMostAndTheRestIsSilence)
 {
     queue(5000);
-    std::vector<float> left(4096, 9.0F);
-    std::vector<float> right(4096, 9.0F);
+    std::vector<float> left(4096, 9.0f);
+    std::vector<float> right(4096, 9.0f);
     BufferListOf<2> list;
     list.buffer(0) = { 1, bytesOf(left), left.data() };
     list.buffer(1) = { 1, bytesOf(right), right.data() };
     render(4096, list.list());
-    EXPECT_EQ(left[2047], 2048.0F);
-    EXPECT_EQ(right[2047], -2048.0F);
-    EXPECT_EQ(std::vector<float>(left.begin() + 2048, left.end()), std::vector<float>(2048, 0.0F));
-    EXPECT_EQ(state->stereoRead, 2048U);
-    EXPECT_EQ(state->queuedFrames(), 2952U);
+    EXPECT_EQ(left[2047], 2048.0f);
+    EXPECT_EQ(right[2047], -2048.0f);
+    EXPECT_EQ(std::vector<float>(left.begin() + 2048, left.end()), std::vector<float>(2048, 0.0f));
+    EXPECT_EQ(state->stereoRing.taken(), 2048U);
+    EXPECT_EQ(state->stereoRing.queued(), 2952U);
 }
 
 TEST_F(RenderTest, neitherPausedNorStoppedTakesFrames)
 {
     queue(4);
-    std::vector<float> left(4, 9.0F);
-    std::vector<float> right(4, 9.0F);
+    std::vector<float> left(4, 9.0f);
+    std::vector<float> right(4, 9.0f);
     BufferListOf<2> list;
     list.buffer(0) = { 1, bytesOf(left), left.data() };
     list.buffer(1) = { 1, bytesOf(right), right.data() };
-    state->paused = true;
+    state->transport.pause();
     render(4, list.list());
-    state->paused = false;
+    state->transport.resume();
     state->transport.stop();
     render(4, list.list());
-    EXPECT_EQ(left, std::vector<float>(4, 0.0F));
-    EXPECT_EQ(state->queuedFrames(), 4U) << "the ring keeps its frames";
-}
-
-TEST_F(RenderTest, framesCrossTheEndOfTheRingInOrder)
-{
-    state->stereoWrite = 8190;
-    state->stereoRead = 8190;
-    queue(6);
-    std::vector<float> left(6, 9.0F);
-    std::vector<float> right(6, 9.0F);
-    BufferListOf<2> list;
-    list.buffer(0) = { 1, bytesOf(left), left.data() };
-    list.buffer(1) = { 1, bytesOf(right), right.data() };
-    render(6, list.list());
-    EXPECT_EQ(left, (std::vector<float>{ 1, 2, 3, 4, 5, 6 }));
-}
-
-TEST_F(RenderTest, countersWrapAt32BitsWithoutALoss)
-{
-    state->stereoWrite = 0xFFFFFFFEU;
-    state->stereoRead = 0xFFFFFFFEU;
-    queue(6);
-    EXPECT_EQ(state->stereoWrite, 4U);
-    EXPECT_EQ(state->queuedFrames(), 6U);
-    std::vector<float> out(12, 9.0F);
-    BufferListOf<1> list;
-    list.buffer(0) = { 2, bytesOf(out), out.data() };
-    render(6, list.list());
-    EXPECT_EQ(out, (std::vector<float>{ 1, -1, 2, -2, 3, -3, 4, -4, 5, -5, 6, -6 }));
-}
-
-TEST_F(RenderTest, framesTakenBeforeAClearDoNotCountAgainstTheEmptyRing)
-{
-    queue(8191);
-    std::vector<StereoFrame> out(PlayerState::kRenderBatch);
-    const PlayerState::StereoTake take = state->copyFrames(512, out.data());
-    ASSERT_EQ(take.count, 512U);
-    ASSERT_EQ(take.from, 0U) << "the counter that a clear leaves as it is";
-    state->emptyStereoRing();
-    state->dropFrames(take);
-    EXPECT_EQ(state->queuedFrames(), 0U);
-    queue(3);
-    ASSERT_EQ(state->takeFrames(512, out.data()), 3U);
-    EXPECT_EQ(out[0].left, 8192.0F);
-}
-
-TEST_F(RenderTest, theRingHolds8191Frames)
-{
-    queue(8191);
-    EXPECT_EQ(state->queuedFrames(), 8191U);
+    EXPECT_EQ(left, std::vector<float>(4, 0.0f));
+    EXPECT_EQ(state->stereoRing.queued(), 4U) << "the ring keeps its frames";
 }

@@ -44,7 +44,7 @@ inline std::vector<float> numberedSamples(size_t frames, size_t channels = 1)
 {
     std::vector<float> samples(frames * channels);
     for (size_t i = 0; i < samples.size(); ++i)
-        samples[i] = static_cast<float>(1 + i % 30000) / 32768.0F;
+        samples[i] = static_cast<float>(1 + i % 30000) / 32768.0f;
     return samples;
 }
 
@@ -68,7 +68,7 @@ protected:
             const std::vector<float> pulled = DrivenOutput::pullStereo(128);
             for (size_t i = 0; i < pulled.size(); i += 2) {
                 EXPECT_EQ(pulled[i], pulled[i + 1]);
-                if (pulled[i] != 0.0F)
+                if (pulled[i] != 0.0f)
                     heard.push_back(pulled[i]);
             }
             return heard.size() >= frames || player.isFinished();
@@ -84,7 +84,7 @@ protected:
     static void fillRing()
     {
         const auto target = static_cast<uint32_t>(state().deviceRate * 0.08);
-        EXPECT_TRUE(comesTrue([&] { return state().queuedFrames() == target; }));
+        EXPECT_TRUE(comesTrue([&] { return state().stereoRing.queued() == target; }));
     }
 
     TempFolder folder;

@@ -26,7 +26,7 @@ private:
     {
         while (!ending) {
             for (const float sample : DrivenOutput::pullStereo(256)) {
-                if (!(sample >= -1.0F && sample <= 1.0F))
+                if (!(sample >= -1.0f && sample <= 1.0f))
                     sound = false;
             }
             std::this_thread::yield();
@@ -51,14 +51,14 @@ TEST_F(PlayerTest, tenThousandSeeksAgainstPlayingLeaveAWorkingPlayer)
             player.seekSeconds(static_cast<double>((i * 7919) % 190000) / 48000.0);
             (void)player.positionSeconds();
             (void)player.trackPeak(0);
-            player.setTrackGain(0, 0.5F + 0.5F * static_cast<float>(i % 2));
+            player.setTrackGain(0, 0.5f + 0.5f * static_cast<float>(i % 2));
             if (i % 64 == 0)
                 std::this_thread::sleep_for(std::chrono::microseconds(200));
         }
         EXPECT_TRUE(device.heardOnlySound());
     }
     player.stop();
-    player.setTrackGain(0, 1.0F);
+    player.setTrackGain(0, 1.0f);
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     player.stop();
     player.seekSeconds(static_cast<double>(frames - 5000) / 48000.0);
@@ -105,7 +105,7 @@ TEST_F(PlayerTest, transportChangesAgainstAPullingDeviceEndWell)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         player.stop();
     }
-    EXPECT_TRUE(comesTrue([&] { return player.trackPeak(0) == 0.0F; })) << "stop has the last word on the peaks";
+    EXPECT_TRUE(comesTrue([&] { return player.trackPeak(0) == 0.0f; })) << "stop has the last word on the peaks";
     player.close();
     EXPECT_TRUE(device.heardOnlySound());
 }

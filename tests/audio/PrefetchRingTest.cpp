@@ -17,8 +17,8 @@
 
 namespace {
 
-constexpr int64_t kBlock = WavFileReader::kBlockFrames;
-constexpr int64_t kRing = WavFileReader::kRingFrames;
+constexpr int64_t kBlock = PrefetchRing::kBlockFrames;
+constexpr int64_t kRing = PrefetchRing::kFrames;
 constexpr int64_t kDataOffset = 44;
 
 class PrefetchRingTest : public testing::Test {
@@ -62,8 +62,8 @@ TEST_F(PrefetchRingTest, ringKeepsAllChannelsForZeroOrTooMany)
 {
     for (const int32_t wanted : { 0, -1, 7, 1000 }) {
         start(10, 6, wanted);
-        EXPECT_EQ(producer->ringChannels(), 6) << wanted;
-        EXPECT_EQ(producer->ringSamples(), 6u * kRing);
+        EXPECT_EQ(producer->ring().channels(), 6) << wanted;
+        EXPECT_EQ(producer->ring().sampleCount(), 6u * kRing);
         producer.reset();
     }
 }
@@ -71,7 +71,7 @@ TEST_F(PrefetchRingTest, ringKeepsAllChannelsForZeroOrTooMany)
 TEST_F(PrefetchRingTest, channelsThatTheRingDoesNotKeepComeOutSilent)
 {
     start(10, 6, 2);
-    EXPECT_EQ(producer->ringChannels(), 2);
+    EXPECT_EQ(producer->ring().channels(), 2);
     producer->pass();
     EXPECT_EQ(read(2, 6), (std::vector<float>{ 0, 1, 0, 0, 0, 0, 6, 7, 0, 0, 0, 0 }));
     EXPECT_EQ(read(2, 1), (std::vector<float>{ 12, 18 }));
@@ -92,7 +92,7 @@ TEST_F(PrefetchRingTest, emptyRingGivesNothingAndLeavesThePosition)
     start(10);
     EXPECT_TRUE(read(5).empty());
     EXPECT_EQ(reader.getPosition(), 0);
-    EXPECT_EQ(producer->readIndex(), 0u);
+    EXPECT_EQ(producer->ring().framesRead(), 0u);
     EXPECT_FALSE(reader.isAtEnd());
 }
 
@@ -112,7 +112,7 @@ TEST_F(PrefetchRingTest, ringHoldsExactlyItsCapacity)
 {
     start(2 * kRing);
     EXPECT_EQ(producer->passUntilIdle(), kRing / kBlock);
-    EXPECT_EQ(producer->writeIndex(), static_cast<uint64_t>(kRing));
+    EXPECT_EQ(producer->ring().framesWritten(), static_cast<uint64_t>(kRing));
     expectFrames(0, kRing);
     EXPECT_TRUE(read(1).empty());
 }
@@ -123,7 +123,7 @@ TEST_F(PrefetchRingTest, producerWaitsForRoomForAWholeBlock)
     producer->passUntilIdle();
     expectFrames(0, kBlock - 1);
     EXPECT_FALSE(producer->pass());
-    EXPECT_EQ(producer->writeIndex(), static_cast<uint64_t>(kRing));
+    EXPECT_EQ(producer->ring().framesWritten(), static_cast<uint64_t>(kRing));
     expectFrames(kBlock - 1, 1);
     EXPECT_TRUE(producer->pass());
     EXPECT_FALSE(producer->pass());
@@ -138,7 +138,7 @@ TEST_F(PrefetchRingTest, shortLastBlockWaitsForRoomForAWholeBlockToo)
     EXPECT_FALSE(producer->pass());
     expectFrames(kBlock - 1, 1);
     EXPECT_TRUE(producer->pass());
-    EXPECT_EQ(producer->writeIndex(), static_cast<uint64_t>(kRing + 5));
+    EXPECT_EQ(producer->ring().framesWritten(), static_cast<uint64_t>(kRing + 5));
 }
 
 TEST_F(PrefetchRingTest, shortLastBlockEndsThePositionExactlyAtTheTotal)
@@ -161,7 +161,7 @@ TEST_F(PrefetchRingTest, framesGoThroughTheRingManyTimesOver)
     int64_t frame = 0;
     for (int64_t step = 1; frame < kFrames; step = step * 7 % 4999 + 1) {
         producer->pass();
-        const int64_t due = std::min(step, static_cast<int64_t>(producer->writeIndex()) - frame);
+        const int64_t due = std::min(step, static_cast<int64_t>(producer->ring().framesWritten()) - frame);
         expectFrames(frame, due);
         frame += due;
     }
@@ -188,8 +188,8 @@ TEST_F(PrefetchRingTest, blockAcrossTheWrapLandsOnBothSides)
                 ASSERT_EQ(out[i + 1], static_cast<float>(3 * frame + 1));
             }
         }
-        EXPECT_EQ(producer->writeIndex() % kBlock, 100u);
-        EXPECT_GT(producer->writeIndex(), static_cast<uint64_t>(kRing));
+        EXPECT_EQ(producer->ring().framesWritten() % kBlock, 100u);
+        EXPECT_GT(producer->ring().framesWritten(), static_cast<uint64_t>(kRing));
         producer.reset();
     }
 }
@@ -223,8 +223,8 @@ TEST_F(PrefetchRingTest, pendingSeekGivesNothingAndTouchesNothing)
     float out[4] = { 7, 7, 7, 7 };
     EXPECT_EQ(reader.readFrames(out, 4, 1), 0);
     EXPECT_EQ(out[0], 7.0f);
-    EXPECT_EQ(producer->readIndex(), 10u);
-    EXPECT_EQ(producer->generation(), 0u);
+    EXPECT_EQ(producer->ring().framesRead(), 10u);
+    EXPECT_EQ(producer->ring().flushes(), 0u);
 }
 
 TEST_F(PrefetchRingTest, pendingSeekToTheFirstFrameGivesNothingEither)
@@ -235,7 +235,7 @@ TEST_F(PrefetchRingTest, pendingSeekToTheFirstFrameGivesNothingEither)
     reader.setPosition(0);
     EXPECT_TRUE(read(4).empty());
     EXPECT_EQ(reader.getPosition(), 0);
-    EXPECT_EQ(producer->readIndex(), 10u);
+    EXPECT_EQ(producer->ring().framesRead(), 10u);
 }
 
 TEST_F(PrefetchRingTest, positionJumpsWithTheRequest)
@@ -254,11 +254,10 @@ TEST_F(PrefetchRingTest, framesReadBetweenTheHalvesOfARequestDoNotMoveItsTarget)
     start(1000);
     producer->pass();
     expectFrames(0, 10);
-    reader.setPosition(500);
-    producer->holdRequest();
+    const uint64_t seek = producer->ring().beginSeek(500);
     expectFrames(10, 20);
     EXPECT_EQ(reader.getPosition(), 500);
-    producer->completeRequest();
+    producer->ring().sendSeek(seek);
     EXPECT_TRUE(producer->pass());
     expectFrames(500, 20);
     EXPECT_EQ(reader.getPosition(), 520);
@@ -270,7 +269,7 @@ TEST_F(PrefetchRingTest, framesReadBeforeAFlushIsSeenDoNotMoveTheTarget)
     producer->pass();
     expectFrames(0, 10);
     reader.setPosition(500);
-    producer->takeSeekUnseen();
+    ASSERT_TRUE(producer->takeSeekUnseen());
     expectFrames(10, 20);
     EXPECT_EQ(reader.getPosition(), 500);
     producer->showSeek();
@@ -286,13 +285,11 @@ TEST_F(PrefetchRingTest, aSecondSeekToTheSameFrameIsASeekOfItsOwn)
     reader.setPosition(500);
     producer->pass();
     expectFrames(500, 20);
-    reader.setPosition(500);
-    producer->holdRequest();
-    reader.setPosition(500);
-    producer->holdRequest();
+    (void)producer->ring().beginSeek(500);
+    const uint64_t seek = producer->ring().beginSeek(500);
     expectFrames(520, 20);
     EXPECT_EQ(reader.getPosition(), 500);
-    producer->completeRequest();
+    producer->ring().sendSeek(seek);
     producer->pass();
     expectFrames(500, 20);
     EXPECT_EQ(reader.getPosition(), 520);
@@ -304,7 +301,7 @@ TEST_F(PrefetchRingTest, framesBeforeASeekToTheEndDoNotEndTheFile)
     producer->pass();
     expectFrames(0, 10);
     reader.setPosition(995);
-    producer->takeSeekUnseen();
+    ASSERT_TRUE(producer->takeSeekUnseen());
     expectFrames(10, 20);
     EXPECT_FALSE(reader.isAtEnd());
     EXPECT_EQ(reader.getPosition(), 995);
@@ -317,7 +314,7 @@ TEST_F(PrefetchRingTest, seekThrowsAwayAllFramesInTheRing)
     expectFrames(0, 10);
     reader.setPosition(90000);
     producer->takeSeek();
-    EXPECT_EQ(producer->generation(), 1u);
+    EXPECT_EQ(producer->ring().flushes(), 1u);
     EXPECT_TRUE(read(100).empty());
     EXPECT_TRUE(producer->pass());
     expectFrames(90000, 100);
@@ -332,7 +329,7 @@ TEST_F(PrefetchRingTest, fullRingGetsItsRoomBackWhenTheConsumerNoticesTheSeek)
     EXPECT_FALSE(producer->pass());
     EXPECT_FALSE(producer->pass());
     EXPECT_TRUE(read(1).empty());
-    EXPECT_EQ(producer->readIndex(), static_cast<uint64_t>(kRing));
+    EXPECT_EQ(producer->ring().framesRead(), static_cast<uint64_t>(kRing));
     EXPECT_TRUE(producer->pass());
     expectFrames(2 * kRing, kBlock);
 }
@@ -343,7 +340,7 @@ TEST_F(PrefetchRingTest, laterSeekReplacesAnEarlierOne)
     reader.setPosition(100);
     reader.setPosition(200);
     producer->pass();
-    EXPECT_EQ(producer->generation(), 1u);
+    EXPECT_EQ(producer->ring().flushes(), 1u);
     expectFrames(200, 5);
 }
 
@@ -384,7 +381,7 @@ TEST_F(PrefetchRingTest, readIndexDoesNotGoBackWhenASecondSeekLandsBetweenTheLoa
     producer->takeSeek();
     producer->pass();
     reader.setPosition(40000);
-    producer->takeSeekUnseen();
+    ASSERT_TRUE(producer->takeSeekUnseen());
     producer->pass();
     // The generation is the first seek's, the index already the second one's.
     expectFrames(40000, 1000);

@@ -326,7 +326,7 @@ TEST(PrefetchStartTest, fileThatShrinksAndGrowsIsPlayedOnByTheRunningThread)
 {
     TempFolder folder;
     const std::string path = folder.file("take.wav");
-    constexpr int64_t kTotal = 4 * WavFileReader::kRingFrames;
+    constexpr int64_t kTotal = 4 * PrefetchRing::kFrames;
     numberedFile(kTotal, 1).write(path);
     const std::string whole = readBytes(path);
     WavFileReader reader;

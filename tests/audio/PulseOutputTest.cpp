@@ -18,6 +18,8 @@
 #include <cstring>
 #include <filesystem>
 #include <numbers>
+#include <type_traits>
+#include <utility>
 
 namespace {
 
@@ -83,7 +85,7 @@ protected:
         std::vector<float> heard;
         for (size_t i = 0; i < stereo.size(); i += 2) {
             EXPECT_EQ(stereo[i], stereo[i + 1]);
-            if (stereo[i] != 0.0F)
+            if (stereo[i] != 0.0f)
                 heard.push_back(stereo[i]);
         }
         return heard;
@@ -280,7 +282,7 @@ TEST_F(PulseOutputTest, withoutAServerOpenIsFalseAndNothingIsPrinted)
     setenv("HOME", folder.path().c_str(), 1);
     setenv("XDG_RUNTIME_DIR", folder.path().c_str(), 1);
     setenv("PULSE_SERVER", "unix:/nonexistent", 1);
-    const std::string path = makeFloatFile(folder, "one.wav", 48000, 1, { 0.5F });
+    const std::string path = makeFloatFile(folder, "one.wav", 48000, 1, { 0.5f });
     PrintWatch watch(folder);
     const bool opened = player.open(path);
     const bool played = player.play();
@@ -295,7 +297,7 @@ TEST_F(PulseOutputTest, withoutAnySoundSetUpOpenIsFalseAndNothingIsPrinted)
     setenv("HOME", "/nonexistent", 1);
     setenv("XDG_RUNTIME_DIR", "/nonexistent", 1);
     unsetenv("PULSE_SERVER");
-    const std::string path = makeFloatFile(folder, "one.wav", 48000, 1, { 0.5F });
+    const std::string path = makeFloatFile(folder, "one.wav", 48000, 1, { 0.5f });
     PrintWatch watch(folder);
     const bool opened = player.open(path);
     EXPECT_EQ(watch.printed(), "");
@@ -306,7 +308,7 @@ TEST_F(PulseOutputTest, aDamagedSoundSetUpIsNotCommentedOn)
 {
     std::filesystem::create_directories(folder.path() / ".config/pulse");
     writeBytes(folder.file(".config/pulse/client.conf"), "nonsense\n");
-    const std::string path = makeFloatFile(folder, "one.wav", 48000, 1, { 0.5F });
+    const std::string path = makeFloatFile(folder, "one.wav", 48000, 1, { 0.5f });
     unsetenv("PULSE_SERVER");
     unsetenv("XDG_RUNTIME_DIR");
     for (const std::string& home : { folder.path().string(), path, std::string("relative") }) {
@@ -323,7 +325,7 @@ TEST_F(PulseOutputTest, theErrorOutputIsBackAfterOpen)
     setenv("HOME", folder.path().c_str(), 1);
     setenv("PULSE_SERVER", "unix:/nonexistent", 1);
     PrintWatch watch(folder);
-    EXPECT_EQ(AudioOutput::defaultOutputDevice(), 0U);
+    EXPECT_EQ(AudioOutput::openDefaultDevice(), nullptr);
     std::fputs("heard", stderr);
     EXPECT_EQ(watch.printed(), "heard");
 }
@@ -340,7 +342,7 @@ TEST_F(PulseOutputTest, aServerThatNeverAnswersMakesOpenFalse)
     setenv("HOME", folder.path().c_str(), 1);
     setenv("XDG_RUNTIME_DIR", folder.path().c_str(), 1);
     setenv("PULSE_SERVER", ("unix:" + socketPath).c_str(), 1);
-    const std::string path = makeFloatFile(folder, "one.wav", 48000, 1, { 0.5F });
+    const std::string path = makeFloatFile(folder, "one.wav", 48000, 1, { 0.5f });
     PrintWatch watch(folder);
     const bool opened = player.open(path);
     EXPECT_EQ(watch.printed(), "");
@@ -371,10 +373,25 @@ TEST_F(PulseOutputTest, noThreadIsLeftOverWhetherOpenSucceedsOrNot)
     EXPECT_TRUE(comesTrue([&] { return threadCount() == before; })) << "there is no server";
 }
 
-TEST_F(PulseOutputTest, theOutputAnswersNeutrallyOutOfOrder)
+// A unit is made out of the device, which only asking for it brings: no other order of the calls compiles.
+static_assert(!std::is_invocable_v<decltype(&AudioOutput::newUnit)>);
+static_assert(!std::is_invocable_v<decltype(&AudioOutput::newUnit), AudioOutput::DevicePtr&>);
+
+TEST_F(PulseOutputTest, withoutADeviceThereIsNoUnit)
 {
-    EXPECT_EQ(AudioOutput::nominalSampleRate(1), 0.0);
-    EXPECT_EQ(AudioOutput::newUnit(), nullptr);
+    EXPECT_EQ(AudioOutput::newUnit(nullptr), nullptr);
+}
+
+TEST_F(PulseOutputTest, aDeviceWhoseServerHasGoneHasNoRate)
+{
+    PulseServer server(48000);
+    ASSERT_TRUE(server.running());
+    server.useInThisProcess();
+    const AudioOutput::DevicePtr device = AudioOutput::openDefaultDevice();
+    ASSERT_NE(device, nullptr);
+    EXPECT_EQ(AudioOutput::nominalSampleRate(*device), 48000.0);
+    server.kill();
+    EXPECT_EQ(AudioOutput::nominalSampleRate(*device), 0.0);
 }
 
 TEST_F(PulseOutputTest, aUnitWithAnAbsurdRateIsRefusedAndCanBeDisposedOf)
@@ -382,16 +399,14 @@ TEST_F(PulseOutputTest, aUnitWithAnAbsurdRateIsRefusedAndCanBeDisposedOf)
     PulseServer server(48000);
     ASSERT_TRUE(server.running());
     server.useInThisProcess();
-    const uint32_t device = AudioOutput::defaultOutputDevice();
-    ASSERT_NE(device, 0U);
-    EXPECT_EQ(AudioOutput::nominalSampleRate(device), 48000.0);
-    EXPECT_EQ(AudioOutput::nominalSampleRate(device + 1), 0.0);
-    AudioOutput::Unit* unit = AudioOutput::newUnit();
+    AudioOutput::DevicePtr device = AudioOutput::openDefaultDevice();
+    ASSERT_NE(device, nullptr);
+    EXPECT_NE(AudioOutput::deviceId(*device), 0U);
+    const AudioOutput::UnitPtr unit = AudioOutput::newUnit(std::move(device));
     ASSERT_NE(unit, nullptr);
-    EXPECT_FALSE(AudioOutput::setStreamFormat(unit, 0.0));
-    EXPECT_FALSE(AudioOutput::setStreamFormat(unit, 1e12));
-    EXPECT_FALSE(AudioOutput::setStreamFormat(unit, std::nan("")));
-    EXPECT_NE(AudioOutput::start(unit), 0) << "not initialised";
-    AudioOutput::stop(unit);
-    AudioOutput::dispose(unit);
+    EXPECT_FALSE(AudioOutput::setStreamFormat(*unit, 0.0));
+    EXPECT_FALSE(AudioOutput::setStreamFormat(*unit, 1e12));
+    EXPECT_FALSE(AudioOutput::setStreamFormat(*unit, std::nan("")));
+    EXPECT_NE(AudioOutput::start(*unit), 0) << "not initialised";
+    AudioOutput::stop(*unit);
 }

@@ -79,9 +79,9 @@ TEST(RateConversion, nothingFromBeforeAResetComesOutAfterIt)
     ASSERT_TRUE(converter.setup(44100.0, 48000.0));
     convertInBlocks(converter, cosine(44100.0, 4410));
     converter.reset();
-    const std::vector<float> out = convertInBlocks(converter, std::vector<float>(4410 * 2, 0.0F));
+    const std::vector<float> out = convertInBlocks(converter, std::vector<float>(4410 * 2, 0.0f));
     ASSERT_FALSE(out.empty());
-    EXPECT_EQ(out, std::vector<float>(out.size(), 0.0F));
+    EXPECT_EQ(out, std::vector<float>(out.size(), 0.0f));
 }
 
 TEST(RateConversion, afterAResetTheSameInputGivesTheSameOutput)

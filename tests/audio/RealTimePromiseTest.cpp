@@ -198,18 +198,18 @@ TEST_F(RealTimePromise, mixerPassesCallNothing)
     for (const double deviceRate : { 48000.0, 44100.0, 96000.0 }) {
         const auto state = std::make_unique<PlayerState>();
         ASSERT_TRUE(state->reader.open(path));
-        state->channels = kTracks;
-        state->sampleRate = 48000;
+        state->file = state->reader.getHeader();
         state->deviceRate = deviceRate;
         ASSERT_TRUE(state->converter.setup(48000.0, deviceRate));
         PlaybackMixer mixer(kTracks);
         MixerBlocks blocks(kTracks);
         state->reader.startPrefetch(kTracks);
         state->transport.start();
+        std::vector<StereoFrame> out(StereoRing::kRenderBatch);
         int passes = 0;
         ASSERT_TRUE(comesTrue([&] {
             EXPECT_EQ(callsDuring([&] { mixerPass(*state, mixer, blocks); }), 0) << deviceRate;
-            state->stereoRead = state->stereoWrite.load();
+            EXPECT_EQ(callsDuring([&] { state->stereoRing.take(StereoRing::kRenderBatch, out.data()); }), 0);
             if (++passes == 20)
                 state->converter.reset();
             return state->transport.finished();
@@ -232,7 +232,7 @@ TEST_F(RealTimePromise, renderCallbackCallsNothing)
     void* const context = DrivenOutput::renderContext();
     ASSERT_TRUE(comesTrue([&] {
         EXPECT_EQ(callsDuring([&] { render(context, nullptr, nullptr, 0, 256, list.list()); }), 0);
-        return left[0] != 0.0F;
+        return left[0] != 0.0f;
     }));
     EXPECT_EQ(callsDuring([&] { render(context, nullptr, nullptr, 0, 4096, list.list()); }), 0);
     list.buffer(0).mNumberChannels = 2;
@@ -245,7 +245,7 @@ TEST_F(RealTimePromise, settingsAndReadOutsCallNothing)
     ASSERT_TRUE(player.open(path));
     ASSERT_TRUE(player.play());
     EXPECT_EQ(callsDuring([&] {
-        player.setTrackGain(3, 0.5F);
+        player.setTrackGain(3, 0.5f);
         player.setTrackMuted(3, true);
         player.setTrackSolo(3, true);
         (void)player.positionSeconds();

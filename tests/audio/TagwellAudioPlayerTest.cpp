@@ -10,7 +10,7 @@ using Names = std::vector<std::string>;
 namespace {
 
 const Names kOpenCalls
-    = { "defaultOutputDevice", "nominalSampleRate", "newUnit", "setStreamFormat", "setRenderCallback", "initialize" };
+    = { "openDefaultDevice", "nominalSampleRate", "newUnit", "setStreamFormat", "setRenderCallback", "initialize" };
 
 Names firstOpenCalls(size_t count, const Names& more = {})
 {
@@ -34,7 +34,7 @@ TEST_F(PlayerTest, aFreshPlayerIsClosedAndNeutral)
     EXPECT_EQ(player.bitDepth(), 0);
     EXPECT_EQ(player.formatCode(), 0);
     EXPECT_EQ(player.deviceSampleRate(), 48000.0);
-    EXPECT_EQ(player.trackPeak(0), 0.0F);
+    EXPECT_EQ(player.trackPeak(0), 0.0f);
     EXPECT_EQ(DrivenOutput::calls(), Names{});
 }
 
@@ -234,9 +234,9 @@ TEST_F(PlayerTest, afterTheEndThePlayerIsFinishedAtTheDuration)
     EXPECT_TRUE(player.isFinished());
     EXPECT_FALSE(player.isPaused());
     EXPECT_NEAR(player.positionSeconds(), player.durationSeconds(), 1e-9);
-    EXPECT_GT(player.trackPeak(0), 0.0F) << "peaks hold their last values";
+    EXPECT_GT(player.trackPeak(0), 0.0f) << "peaks hold their last values";
     EXPECT_TRUE(DrivenOutput::started()) << "the unit goes on and hears silence";
-    EXPECT_EQ(DrivenOutput::pullStereo(64), std::vector<float>(128, 0.0F));
+    EXPECT_EQ(DrivenOutput::pullStereo(64), std::vector<float>(128, 0.0f));
 }
 
 TEST_F(PlayerTest, finishedPeaksStandStill)
@@ -259,7 +259,7 @@ TEST_F(PlayerTest, playAfterTheEndWithoutASeekStaysPlayingInSilence)
     ASSERT_TRUE(player.play());
     EXPECT_FALSE(player.isFinished());
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_EQ(DrivenOutput::pullStereo(64), std::vector<float>(128, 0.0F));
+    EXPECT_EQ(DrivenOutput::pullStereo(64), std::vector<float>(128, 0.0f));
     EXPECT_TRUE(player.isPlaying());
     EXPECT_FALSE(player.isFinished());
 }
@@ -314,7 +314,7 @@ TEST_F(PlayerTest, pauseAndResumeLoseNothing)
     EXPECT_TRUE(player.isPaused());
     EXPECT_FALSE(player.isPlaying());
     const double position = player.positionSeconds();
-    EXPECT_EQ(DrivenOutput::pullStereo(256), std::vector<float>(512, 0.0F));
+    EXPECT_EQ(DrivenOutput::pullStereo(256), std::vector<float>(512, 0.0f));
     EXPECT_TRUE(DrivenOutput::started());
     player.resume();
     EXPECT_TRUE(player.isPlaying());
@@ -333,7 +333,7 @@ TEST_F(PlayerTest, pausedPeaksStandStill)
     fillRing();
     player.pause();
     const float peak = player.trackPeak(0);
-    EXPECT_GT(peak, 0.0F);
+    EXPECT_GT(peak, 0.0f);
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     EXPECT_EQ(player.trackPeak(0), peak);
 }
@@ -371,13 +371,13 @@ TEST_F(PlayerTest, stopReturnsToTheStartAndZeroesThePeaks)
     ASSERT_TRUE(player.play());
     hear(9600);
     fillRing();
-    ASSERT_GT(player.trackPeak(0), 0.0F);
+    ASSERT_GT(player.trackPeak(0), 0.0f);
     player.stop();
     EXPECT_FALSE(player.isPlaying());
     EXPECT_FALSE(player.isPaused());
     EXPECT_FALSE(player.isFinished());
     EXPECT_FALSE(DrivenOutput::started());
-    EXPECT_EQ(player.trackPeak(0), 0.0F);
+    EXPECT_EQ(player.trackPeak(0), 0.0f);
     EXPECT_EQ(player.positionSeconds(), 0.0);
 }
 
@@ -395,7 +395,7 @@ TEST_F(PlayerTest, stopFromPausedAndFromFinishedLeadsToStopped)
     player.stop();
     EXPECT_FALSE(player.isFinished());
     EXPECT_EQ(player.positionSeconds(), 0.0);
-    EXPECT_EQ(player.trackPeak(0), 0.0F);
+    EXPECT_EQ(player.trackPeak(0), 0.0f);
 }
 
 TEST_F(PlayerTest, playAfterStopBeginsAtTheStart)
@@ -487,10 +487,10 @@ TEST_F(PlayerTest, queuedFramesCountAtTheDevicesRateAndTakenOnesAtTheFiles)
     DrivenOutput::setNominalRate(44100.0);
     ASSERT_TRUE(player.open(monoFile(2 * 48000)));
     player.seekSeconds(1.0);
-    state().stereoWrite = PlayerState::movedOn(state().stereoRead, 4410);
+    ASSERT_TRUE(state().stereoRing.advance(state().stereoRing.mark(), 4410));
     EXPECT_DOUBLE_EQ(player.positionSeconds(), 0.9);
     player.seekSeconds(0.05);
-    state().stereoWrite = PlayerState::movedOn(state().stereoRead, 4410);
+    ASSERT_TRUE(state().stereoRing.advance(state().stereoRing.mark(), 4410));
     EXPECT_EQ(player.positionSeconds(), 0.0) << "never below";
 }
 
@@ -513,7 +513,7 @@ TEST_F(PlayerTest, aTruncatedFileNeverFinishes)
     ASSERT_TRUE(player.play());
     ASSERT_TRUE(comesTrue([&] {
         DrivenOutput::pullStereo(128);
-        return player.positionSeconds() == 0.05 && state().queuedFrames() == 0;
+        return player.positionSeconds() == 0.05 && state().stereoRing.queued() == 0;
     }));
     std::this_thread::sleep_for(std::chrono::milliseconds(60));
     EXPECT_TRUE(player.isPlaying());
@@ -532,15 +532,15 @@ TEST_F(PlayerTest, anEmptyFileOpensAndStaysPlayingInSilence)
 
 TEST_F(PlayerTest, stopZeroesThePeaksOfAllTracks)
 {
-    const std::vector<float> samples(size_t{ 48000 } * 3, 0.5F);
+    const std::vector<float> samples(size_t{ 48000 } * 3, 0.5f);
     ASSERT_TRUE(player.open(makeFloatFile(folder, "three.wav", 48000, 3, samples)));
     ASSERT_TRUE(player.play());
     hear(1000);
     for (int32_t track = 0; track < 3; ++track)
-        EXPECT_EQ(player.trackPeak(track), 0.5F) << track;
+        EXPECT_EQ(player.trackPeak(track), 0.5f) << track;
     player.stop();
     for (int32_t track = 0; track < 3; ++track)
-        EXPECT_EQ(player.trackPeak(track), 0.0F) << track;
+        EXPECT_EQ(player.trackPeak(track), 0.0f) << track;
 }
 
 TEST_F(PlayerTest, trackPeaksAreThoseOfTheTracksAlone)
@@ -548,19 +548,20 @@ TEST_F(PlayerTest, trackPeaksAreThoseOfTheTracksAlone)
     const size_t frames = 4800;
     std::vector<float> samples;
     for (size_t i = 0; i < frames; ++i) {
-        samples.push_back(0.25F);
-        samples.push_back(-0.5F);
+        samples.push_back(0.25f);
+        samples.push_back(-0.5f);
     }
     ASSERT_TRUE(player.open(makeFloatFile(folder, "two.wav", 48000, 2, samples)));
-    player.setTrackGain(1, 4.0F);
+    player.setTrackGain(1, 4.0f);
     ASSERT_TRUE(player.play());
     hear(1000);
-    EXPECT_EQ(player.trackPeak(0), 0.25F);
-    EXPECT_EQ(player.trackPeak(1), 2.0F) << "not clamped";
-    EXPECT_EQ(player.trackPeak(-1), 0.0F);
-    state().peaks[2] = 0.75F;
-    EXPECT_EQ(player.trackPeak(2), 0.0F) << "whatever lies behind the last track";
-    EXPECT_EQ(player.trackPeak(64), 0.0F);
+    EXPECT_EQ(player.trackPeak(0), 0.25f);
+    EXPECT_EQ(player.trackPeak(1), 2.0f) << "not clamped";
+    EXPECT_EQ(player.trackPeak(-1), 0.0f);
+    state().peaks.raise(std::vector<float>{ 0.0f, 0.0f, 0.75f }.data(), 3);
+    ASSERT_EQ(state().peaks.at(2), 0.75f);
+    EXPECT_EQ(player.trackPeak(2), 0.0f) << "whatever lies behind the last track";
+    EXPECT_EQ(player.trackPeak(64), 0.0f);
 }
 
 TEST_F(PlayerTest, openForgetsTheMixOfTheFileBefore)
@@ -568,7 +569,7 @@ TEST_F(PlayerTest, openForgetsTheMixOfTheFileBefore)
     const std::string path = monoFile(1000);
     ASSERT_TRUE(player.open(path));
     player.setTrackMuted(0, true);
-    player.setTrackGain(0, 0.0F);
+    player.setTrackGain(0, 0.0f);
     ASSERT_TRUE(player.open(path));
     ASSERT_TRUE(player.play());
     EXPECT_EQ(hear(1000), numberedSamples(1000));
@@ -578,13 +579,13 @@ TEST_F(PlayerTest, soloAndMuteReachTheMix)
 {
     std::vector<float> samples;
     for (size_t i = 0; i < 2000; ++i) {
-        samples.push_back(0.25F);
-        samples.push_back(0.5F);
+        samples.push_back(0.25f);
+        samples.push_back(0.5f);
     }
     ASSERT_TRUE(player.open(makeFloatFile(folder, "two.wav", 48000, 2, samples)));
     player.setTrackSolo(1, true);
     ASSERT_TRUE(player.play());
     const std::vector<float> heard = hear(2000);
     ASSERT_EQ(heard.size(), 2000U);
-    EXPECT_FLOAT_EQ(heard[0], 0.5F * 0.70710678F);
+    EXPECT_FLOAT_EQ(heard[0], 0.5f * 0.70710678f);
 }

@@ -42,12 +42,12 @@ TEST(ThreadStartTest, aRefusedPrefetchThreadLeavesTheSynchronousPath)
     EXPECT_EQ(reader.getPosition(), 40);
     float sample = 0;
     EXPECT_EQ(reader.readFrames(&sample, 1, 1), 1);
-    EXPECT_EQ(sample, 40.0F);
+    EXPECT_EQ(sample, 40.0f);
 
     reader.startPrefetch(0);
     EXPECT_TRUE(reader.isPrefetching());
     ASSERT_TRUE(comesTrue([&] { return reader.readFrames(&sample, 1, 1) == 1; }));
-    EXPECT_EQ(sample, 41.0F);
+    EXPECT_EQ(sample, 41.0f);
 }
 
 TEST_F(PlayerTest, anOpenWithoutItsThreadsLeavesAClosedPlayer)

@@ -43,8 +43,8 @@ protected:
         EXPECT_FALSE(reader.isOpen());
         EXPECT_EQ(reader.getSampleRate(), 0);
         EXPECT_EQ(reader.getChannels(), 0);
-        EXPECT_EQ(reader.getBitsPerSample(), 0);
-        EXPECT_EQ(reader.getFormatCode(), 0);
+        EXPECT_EQ(reader.getHeader().bitsPerSample, 0);
+        EXPECT_EQ(reader.getHeader().formatCode, 0);
         EXPECT_EQ(reader.getTotalFrames(), 0);
         EXPECT_EQ(reader.getPosition(), 0);
         EXPECT_EQ(reader.getDuration(), 0.0);
@@ -89,8 +89,8 @@ TEST_F(WavFileReaderHeaderTest, openTellsWhatTheFileSays)
     EXPECT_TRUE(reader.isOpen());
     EXPECT_EQ(reader.getSampleRate(), 96000);
     EXPECT_EQ(reader.getChannels(), 6);
-    EXPECT_EQ(reader.getBitsPerSample(), 24);
-    EXPECT_EQ(reader.getFormatCode(), 1);
+    EXPECT_EQ(reader.getHeader().bitsPerSample, 24);
+    EXPECT_EQ(reader.getHeader().formatCode, 1);
     EXPECT_EQ(reader.getTotalFrames(), 100);
     EXPECT_EQ(reader.getPosition(), 0);
     EXPECT_FALSE(reader.isAtEnd());
@@ -124,8 +124,8 @@ TEST_F(WavFileReaderHeaderTest, integerAndFloatFormatsOpen)
     for (const uint16_t tag : { uint16_t{ 1 }, uint16_t{ 3 } }) {
         for (const uint16_t bits : { uint16_t{ 16 }, uint16_t{ 24 }, uint16_t{ 32 } }) {
             ASSERT_TRUE(open(formatFile(2, bits, tag)));
-            EXPECT_EQ(reader.getFormatCode(), tag);
-            EXPECT_EQ(reader.getBitsPerSample(), bits);
+            EXPECT_EQ(reader.getHeader().formatCode, tag);
+            EXPECT_EQ(reader.getHeader().bitsPerSample, bits);
         }
     }
 }
@@ -287,7 +287,7 @@ TEST_F(WavFileReaderHeaderTest, shortFmtIsReadAsSixteenBytes)
 {
     ASSERT_TRUE(open(WavBuilder().chunk("fmt ", fmtPayload(3, 24)).claimSize("fmt ", 2).dataFrames(0)));
     EXPECT_EQ(reader.getChannels(), 3);
-    EXPECT_EQ(reader.getBitsPerSample(), 24);
+    EXPECT_EQ(reader.getHeader().bitsPerSample, 24);
 }
 
 TEST_F(WavFileReaderHeaderTest, firstFmtCounts)
@@ -566,7 +566,7 @@ TEST_F(WavFileReaderReadTest, lastReadIsShortAndTheNextGivesNothing)
 
 TEST_F(WavFileReaderReadTest, oneReadMayTakeMoreThanABlock)
 {
-    constexpr int32_t kFrames = 3 * WavFileReader::kBlockFrames + 5;
+    constexpr int32_t kFrames = 3 * PrefetchRing::kBlockFrames + 5;
     ASSERT_TRUE(open(numberedFile(kFrames, 2)));
     const std::vector<float> all = read(kFrames, 2, 2);
     ASSERT_EQ(all.size(), 2u * kFrames);

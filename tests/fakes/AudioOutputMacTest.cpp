@@ -246,17 +246,17 @@ TEST_F(AudioOutputMac, stopStopsTheUnitBeforeItEmptiesTheRing)
     TagwellAudioPlayer player;
     ASSERT_TRUE(player.open(file));
     ASSERT_TRUE(player.play());
-    ASSERT_TRUE(comesTrue([] { return playerState().queuedFrames() == 3840u; }));
+    ASSERT_TRUE(comesTrue([] { return playerState().stereoRing.queued() == 3840u; }));
     uint32_t queuedAtStop = 0;
     bool playingAtStop = true;
     state.onCall = [&](const std::string&) {
-        queuedAtStop = playerState().queuedFrames();
+        queuedAtStop = playerState().stereoRing.queued();
         playingAtStop = playerState().transport.playing();
     };
     player.stop();
     EXPECT_EQ(queuedAtStop, 3840u);
     EXPECT_FALSE(playingAtStop);
-    EXPECT_EQ(playerState().queuedFrames(), 0u);
+    EXPECT_EQ(playerState().stereoRing.queued(), 0u);
     state.onCall = nullptr;
 }
 

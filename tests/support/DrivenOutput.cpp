@@ -5,6 +5,10 @@
 
 namespace AudioOutput {
 
+struct Device {
+    uint32_t id;
+};
+
 struct Unit {
     double rate = 0.0;
     RenderFunction render = nullptr;
@@ -45,80 +49,90 @@ namespace AudioOutput {
 
 using DrivenOutput::Step;
 
-uint32_t defaultOutputDevice()
+DevicePtr openDefaultDevice()
 {
     const std::lock_guard lock(output().mutex);
-    output().calls.emplace_back("defaultOutputDevice");
-    return output().device;
+    output().calls.emplace_back("openDefaultDevice");
+    return DevicePtr(output().device != 0 ? new Device{ output().device } : nullptr);
 }
 
-double nominalSampleRate(uint32_t device)
+uint32_t deviceId(const Device& device)
+{
+    return device.id;
+}
+
+double nominalSampleRate(Device& device)
 {
     const std::lock_guard lock(output().mutex);
     output().calls.emplace_back("nominalSampleRate");
-    return device == output().device ? output().nominalRate : 0.0;
+    return device.id == output().device ? output().nominalRate : 0.0;
 }
 
-Unit* newUnit()
+UnitPtr newUnit(DevicePtr device)
 {
     const std::lock_guard lock(output().mutex);
     output().calls.emplace_back("newUnit");
-    if (output().fails(Step::NewUnit))
+    if (!device || output().fails(Step::NewUnit))
         return nullptr;
     output().units.push_back(new Unit);
-    return output().units.back();
+    return UnitPtr(output().units.back());
 }
 
-bool setStreamFormat(Unit* unit, double rate)
+bool setStreamFormat(Unit& unit, double rate)
 {
     const std::lock_guard lock(output().mutex);
     output().calls.emplace_back("setStreamFormat");
-    unit->rate = rate;
+    unit.rate = rate;
     return !output().fails(Step::SetStreamFormat);
 }
 
-bool setRenderCallback(Unit* unit, RenderFunction render, void* context)
+bool setRenderCallback(Unit& unit, RenderFunction render, void* context)
 {
     const std::lock_guard lock(output().mutex);
     output().calls.emplace_back("setRenderCallback");
-    unit->render = render;
-    unit->context = context;
+    unit.render = render;
+    unit.context = context;
     return !output().fails(Step::SetRenderCallback);
 }
 
-bool initialize(Unit* unit)
+bool initialize(Unit& unit)
 {
     const std::lock_guard lock(output().mutex);
     output().calls.emplace_back("initialize");
-    unit->initialized = !output().fails(Step::Initialize);
-    return unit->initialized;
+    unit.initialized = !output().fails(Step::Initialize);
+    return unit.initialized;
 }
 
-int32_t start(Unit* unit)
+int32_t start(Unit& unit)
 {
     const std::lock_guard lock(output().mutex);
     output().calls.emplace_back("start");
-    if (output().fails(Step::Start) || !unit->initialized)
+    if (output().fails(Step::Start) || !unit.initialized)
         return -1;
-    unit->started = true;
+    unit.started = true;
     return 0;
 }
 
-void stop(Unit* unit)
+void stop(Unit& unit)
 {
     const std::lock_guard lock(output().mutex);
     output().calls.emplace_back("stop");
-    unit->started = false;
+    unit.started = false;
 }
 
-void uninitialize(Unit* unit)
+void uninitialize(Unit& unit)
 {
     const std::lock_guard lock(output().mutex);
     output().calls.emplace_back("uninitialize");
-    unit->initialized = false;
+    unit.initialized = false;
 }
 
-void dispose(Unit* unit)
+void DeviceDeleter::operator()(Device* device) const
+{
+    delete device;
+}
+
+void UnitDeleter::operator()(Unit* unit) const
 {
     const std::lock_guard lock(output().mutex);
     output().calls.emplace_back("dispose");

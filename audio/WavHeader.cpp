@@ -1,10 +1,11 @@
-#include "audio/WavFileReader.h"
+#include "audio/WavHeader.h"
 
 #include "audio/SampleDecode.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <limits>
 #include <vector>
 
 namespace {
@@ -78,106 +79,145 @@ void skipSilence(std::istream& stream, size_t before)
     }
 }
 
-} // namespace
-
-uint16_t WavFileReader::readUint16LE()
+bool readId(std::istream& stream, const char* id)
 {
-    return readLittleEndian<uint16_t, 2>(stream);
+    std::array<char, kChunkId> found{};
+    stream.read(found.data(), found.size());
+    return stream && std::memcmp(found.data(), id, found.size()) == 0;
 }
 
-uint32_t WavFileReader::readUint32LE()
+// Either way the next read fails where the skip went beyond the file's end.
+void skipForward(std::istream& stream, uint32_t bytes)
 {
-    return readLittleEndian<uint32_t, 4>(stream);
+    if (bytes <= kNearSkip)
+        stream.ignore(bytes);
+    else
+        stream.seekg(static_cast<std::streamoff>(bytes), std::ios::cur);
 }
 
-uint64_t WavFileReader::readUint64LE()
-{
-    return readLittleEndian<uint64_t, 8>(stream);
-}
+// The steps of readWavHeader. All of them lean on the stream's sticky failure: after one failed step every later one
+// fails.
 
-bool WavFileReader::parseHeader()
+bool readFileId(std::istream& stream, WavHeader& header)
 {
-    uint64_t size64 = 0;
-    if (!readFileId())
-        return false;
-    if (isRF64 && !readDs64(size64))
-        return false;
-    return readFormat() && locateData(size64);
-}
-
-bool WavFileReader::readFileId()
-{
-    std::array<char, 4> id{};
+    std::array<char, kChunkId> id{};
     stream.read(id.data(), id.size());
-    isRF64 = std::memcmp(id.data(), "RF64", id.size()) == 0;
-    if (!isRF64 && std::memcmp(id.data(), "RIFF", id.size()) != 0)
+    header.isRF64 = std::memcmp(id.data(), "RF64", id.size()) == 0;
+    if (!header.isRF64 && std::memcmp(id.data(), "RIFF", id.size()) != 0)
         return false;
-    readUint32LE();
-    return readId("WAVE");
+    readUint32LE(stream);
+    return readId(stream, "WAVE");
 }
 
 // `ds64` has to be the very next chunk, and it is left without regard to a pad byte.
-bool WavFileReader::readDs64(uint64_t& size64)
+bool readDs64(std::istream& stream, uint64_t& size64)
 {
-    if (!readId("ds64"))
+    if (!readId(stream, "ds64"))
         return false;
-    const uint32_t size = readUint32LE();
-    readUint64LE();
-    size64 = readUint64LE();
-    readUint64LE();
+    const uint32_t size = readUint32LE(stream);
+    readUint64LE(stream);
+    size64 = readUint64LE(stream);
+    readUint64LE(stream);
     if (size > kDs64Fields)
-        skipForward(size - kDs64Fields);
+        skipForward(stream, size - kDs64Fields);
+    return true;
+}
+
+struct FormatFields {
+    uint16_t format = 0;
+    uint16_t channels = 0;
+    uint32_t rate = 0;
+    uint16_t bits = 0;
+};
+
+bool acceptFormat(const FormatFields& fields, WavHeader& header)
+{
+    const bool formatKnown = fields.format == kFormatInteger || fields.format == kFormatFloat;
+    const bool channelsFit = fields.channels >= 1 && fields.channels <= WavHeader::kMaxChannels;
+    const bool bitsKnown = fields.bits == 16 || fields.bits == 24 || fields.bits == 32;
+    if (!formatKnown || !channelsFit || !bitsKnown)
+        return false;
+    header.formatCode = fields.format;
+    header.channels = fields.channels;
+    header.sampleRate = static_cast<int32_t>(fields.rate);
+    header.bitsPerSample = fields.bits;
+    header.bytesPerSample = header.bitsPerSample / 8;
     return true;
 }
 
 // The sixteen bytes are read whatever the chunk's size says, and no pad byte is skipped: behind a `fmt ` of odd size
 // the walk stands one byte short of the next chunk, and such a file is not played.
-bool WavFileReader::readFormat()
+bool readFormat(std::istream& stream, WavHeader& header)
 {
     uint32_t size = 0;
-    if (!findChunk("fmt ", size, true))
+    if (!findWavChunk(stream, "fmt ", size, true))
         return false;
     FormatFields fields;
-    fields.format = readUint16LE();
-    fields.channels = readUint16LE();
-    fields.rate = readUint32LE();
-    readUint32LE();
-    readUint16LE();
-    fields.bits = readUint16LE();
+    fields.format = readUint16LE(stream);
+    fields.channels = readUint16LE(stream);
+    fields.rate = readUint32LE(stream);
+    readUint32LE(stream);
+    readUint16LE(stream);
+    fields.bits = readUint16LE(stream);
     if (size > kFormatFields)
-        skipForward(size - kFormatFields);
-    return acceptFormat(fields);
-}
-
-bool WavFileReader::acceptFormat(const FormatFields& fields)
-{
-    const bool formatKnown = fields.format == kFormatInteger || fields.format == kFormatFloat;
-    const bool channelsFit = fields.channels >= 1 && fields.channels <= kMaxChannels;
-    const bool bitsKnown = fields.bits == 16 || fields.bits == 24 || fields.bits == 32;
-    if (!formatKnown || !channelsFit || !bitsKnown)
-        return false;
-    formatCode = fields.format;
-    channels = fields.channels;
-    sampleRate = static_cast<int32_t>(fields.rate);
-    bitsPerSample = fields.bits;
-    bytesPerSample = bitsPerSample / 8;
-    return true;
+        skipForward(stream, size - kFormatFields);
+    return acceptFormat(fields, header);
 }
 
 // Whether the file really holds so many bytes is not looked at; reads find out. A frame has at least two bytes, so that
 // the number of frames fits 63 bits whatever the size claims.
-bool WavFileReader::locateData(uint64_t size64)
+bool locateData(std::istream& stream, uint64_t size64, WavHeader& header)
 {
     uint32_t size = 0;
-    if (!findChunk("data", size, true))
+    if (!findWavChunk(stream, "data", size, true))
         return false;
-    dataStart = stream.tellg();
-    dataSize = isRF64 && size == kSizeIsIn64 ? size64 : size;
-    totalFrames = static_cast<int64_t>(dataSize / static_cast<uint64_t>(frameBytes()));
+    header.dataStart = stream.tellg();
+    header.dataSize = header.isRF64 && size == kSizeIsIn64 ? size64 : size;
+    header.totalFrames = static_cast<int64_t>(header.dataSize / static_cast<uint64_t>(header.frameBytes()));
     return true;
 }
 
-bool WavFileReader::findChunk(const char* id, uint32_t& size, bool consumeHeader)
+} // namespace
+
+uint16_t readUint16LE(std::istream& stream)
+{
+    return readLittleEndian<uint16_t, 2>(stream);
+}
+
+uint32_t readUint32LE(std::istream& stream)
+{
+    return readLittleEndian<uint32_t, 4>(stream);
+}
+
+uint64_t readUint64LE(std::istream& stream)
+{
+    return readLittleEndian<uint64_t, 8>(stream);
+}
+
+std::optional<WavHeader> readWavHeader(std::istream& stream)
+{
+    WavHeader header;
+    uint64_t size64 = 0;
+    if (!readFileId(stream, header) || (header.isRF64 && !readDs64(stream, size64)))
+        return std::nullopt;
+    if (!readFormat(stream, header) || !locateData(stream, size64, header))
+        return std::nullopt;
+    return header;
+}
+
+// A claimed size near 2 to the 64 has frames that no file offset reaches. Going there fails the stream, as any
+// impossible seek does.
+void goToWavFrame(std::istream& stream, const WavHeader& header, int64_t frame)
+{
+    const std::streamoff start = header.dataStart;
+    if (frame > (std::numeric_limits<std::streamoff>::max() - start) / header.frameBytes()) {
+        stream.setstate(std::ios::failbit);
+        return;
+    }
+    stream.seekg(start + frame * header.frameBytes(), std::ios::beg);
+}
+
+bool findWavChunk(std::istream& stream, const char* id, uint32_t& size, bool consumeHeader)
 {
     size_t silence = 0; // Bytes of empty chunks without an id that were just passed by.
     for (;;) {
@@ -193,27 +233,11 @@ bool WavFileReader::findChunk(const char* id, uint32_t& size, bool consumeHeader
         if (silence == kLongSilence)
             skipSilence(stream, silence);
         else
-            skipForward(size + (size & 1));
+            skipForward(stream, size + (size & 1));
         if (!stream)
             return false;
     }
     if (!consumeHeader)
         stream.seekg(-static_cast<std::streamoff>(kChunkHeader), std::ios::cur);
     return true;
-}
-
-bool WavFileReader::readId(const char* id)
-{
-    std::array<char, 4> found{};
-    stream.read(found.data(), found.size());
-    return stream && std::memcmp(found.data(), id, found.size()) == 0;
-}
-
-// Either way the next read fails where the skip went beyond the file's end.
-void WavFileReader::skipForward(uint32_t bytes)
-{
-    if (bytes <= kNearSkip)
-        stream.ignore(bytes);
-    else
-        stream.seekg(static_cast<std::streamoff>(bytes), std::ios::cur);
 }

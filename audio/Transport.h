@@ -3,31 +3,54 @@
 #include <atomic>
 #include <cstdint>
 
-/// Whether the transport plays and whether the file has played to its end, in one word with a count of what the
-/// interface thread has done to it.
+/// Whether the transport plays, whether it is paused, and whether the file has played to its end.
 ///
-/// The mixer thread finds the end of the file in several steps, and the interface thread may seek, stop or start in the
-/// midst of them. The mixer thread therefore marks the word before it looks, and ends the playing by an exchange
-/// against that mark: whatever the interface thread has done since then stays.
-class TransportFlags {
+/// Playing and finished stand in one word with a count of what the interface thread has done to it. The mixer thread
+/// finds the end of the file in several steps, and the interface thread may seek, stop or start in the midst of them.
+/// The mixer thread therefore marks the word before it looks, and ends the playing by an exchange against that mark:
+/// whatever the interface thread has done since then stays.
+class Transport {
 public:
     /// Thread: any.
     bool playing() const { return plays(word.load(std::memory_order_acquire)); }
     /// Thread: any.
     bool finished() const { return (word.load(std::memory_order_acquire) & kFinished) != 0; }
+    /// Thread: any.
+    bool paused() const { return pauseFlag.load(std::memory_order_acquire); }
+    /// Playing and not paused. Thread: any.
+    bool runs() const { return playing() && !paused(); }
+    /// A block was taken since the last start. Thread: any.
+    bool audioStarted() const { return audioStartedFlag.load(std::memory_order_acquire); }
 
-    /// Plays, and hasn't finished. Thread: interface.
-    void start() { change(kPlaying | kFinished, kPlaying); }
-    /// Plays no more; finished stays as it is. Thread: interface.
-    void stop() { change(kPlaying, 0); }
+    /// Plays, isn't paused and hasn't finished; no block was taken. Thread: interface.
+    void start()
+    {
+        forgetAudio();
+        resume();
+        change(kPlaying | kFinished, kPlaying);
+    }
+    /// Plays no more and isn't paused; finished stays as it is. Thread: interface.
+    void stop()
+    {
+        change(kPlaying, 0);
+        resume();
+    }
     /// Hasn't finished; playing stays as it is. An end that the mixer thread is about to find counts no more.
     /// Thread: interface.
     void clearFinished() { change(kFinished, 0); }
+    /// No block was taken since the last start. Thread: interface.
+    void forgetAudio() { audioStartedFlag.store(false, std::memory_order_release); }
+    /// Thread: interface.
+    void pause() { pauseFlag.store(true, std::memory_order_release); }
+    /// Thread: interface.
+    void resume() { pauseFlag.store(false, std::memory_order_release); }
 
     /// The word as it stands, for `plays` and `finish`. Thread: mixer.
     uint64_t mark() const { return word.load(std::memory_order_acquire); }
     /// What `playing` was when `mark` was taken.
     static bool plays(uint64_t mark) { return (mark & kPlaying) != 0; }
+    /// A block was taken. Thread: mixer.
+    void startAudio() { audioStartedFlag.store(true, std::memory_order_release); }
     /// Has finished and plays no more, both at once, if nothing has changed since `mark`; else nothing happens, and the
     /// result is false. Thread: mixer. One attempt.
     bool finish(uint64_t mark)
@@ -53,4 +76,6 @@ private:
     }
 
     std::atomic<uint64_t> word{ 0 };
+    std::atomic<bool> pauseFlag{ false }; // Interface thread stores.
+    std::atomic<bool> audioStartedFlag{ false }; // Mixer thread sets, interface thread clears.
 };
