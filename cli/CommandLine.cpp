@@ -5,6 +5,7 @@
 #include "cli/FileRun.h"
 #include "cli/PlainText.h"
 #include "cli/ReportCommand.h"
+#include "cli/SetCommand.h"
 #include "cli/VerifyCommand.h"
 
 #include <algorithm>
@@ -20,6 +21,7 @@ constexpr std::size_t kGapBytes = 2; // Between two columns of the help.
 constexpr std::array kCommands{
     kDumpCommand,
     kCheckCommand,
+    kSetCommand,
     kReportCommand,
     kVerifyCommand,
 };
