@@ -43,7 +43,7 @@ def flags(command):
 def choices(command, name):
     """The values that an option takes, as the program tells someone who gave another one; [] if it takes any."""
     said = run(CLI, command, name, "no such value").stderr
-    told = re.search(re.escape(name) + r" takes (\S+), not", said)
+    told = re.search(re.escape(name) + r" takes (\S+\|\S+), not", said)
     return told[1].split("|") if told else []
 
 
