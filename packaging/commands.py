@@ -34,10 +34,9 @@ def roff(text):
     return r"\&" + escaped if escaped.startswith(".") else escaped
 
 
-def sentence(words):
-    """Words as a sentence, in lines as the man page's source has them."""
-    lines = textwrap.wrap(words[:1].upper() + words[1:] + ".", MAN_COLUMNS, break_long_words=False,
-                          break_on_hyphens=False)
+def wrapped(words):
+    """Words in lines as the man page's source has them."""
+    lines = textwrap.wrap(words, MAN_COLUMNS, break_long_words=False, break_on_hyphens=False)
     return "\n".join(roff(line) for line in lines)
 
 
@@ -46,7 +45,7 @@ def man_options(options):
     for option in options:
         value = r" \fI%s\fR" % roff(option["value"]) if option["value"] else ""
         lines += [".TP", ", ".join(r"\fB%s\fR" % roff(flag) for flag in flags_of(option)) + value,
-                  sentence(option["words"])]
+                  wrapped(option["words"])]
     return "\n".join(lines)
 
 

@@ -178,7 +178,7 @@ class Commands(unittest.TestCase):
         shown = run("man", "--warnings", "-E", "ascii", "-l", page, environment={"MANWIDTH": "200"})
         self.assertEqual(shown.stderr, "")
         self.assertIn("-x, --x-y A'B", shown.stdout)
-        self.assertIn(".a 'b' c\\d -e ~f " + "many words " * 10 + "'h'.", shown.stdout)
+        self.assertIn(".a 'b' c\\d -e ~f " + "many words " * 10 + "'h'", shown.stdout)
 
 
 main()
