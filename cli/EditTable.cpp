@@ -138,13 +138,13 @@ void takeCell(std::string_view column, const std::string& cell, const FileFacts&
 
 EditTable::EditTable(const std::string& csvPath) : source(csvPath)
 {
-    errno = 0;
     std::error_code error;
+    if (std::filesystem::exists(source, error) && !std::filesystem::is_regular_file(source, error))
+        throw RunError{ source, "it is no regular file, and its rows are read more than once" };
+    errno = 0;
     stream.open(source, std::ios::binary);
     if (!stream)
         throw RunError{ source, fileErrorOf({ errno, std::generic_category() }).words };
-    if (std::filesystem::is_directory(source, error))
-        throw RunError{ source, "it is a folder" };
     CsvReader reader(stream);
     std::vector<std::string> cells;
     if (reader.next(cells))

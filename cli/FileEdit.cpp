@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -113,7 +114,9 @@ public:
             refuse();
         if (plan.patches.empty())
             return { Exit::Ok, "nothing to do" };
-        if (!manner.dryRun)
+        if (manner.dryRun)
+            askForWriting();
+        else
             write(plan, before);
         return result();
     }
@@ -208,6 +211,13 @@ private:
         return words;
     }
 
+    void askForWriting() const
+    {
+        errno = 0;
+        if (access(path.c_str(), W_OK) != 0)
+            failToOpen({ errno, std::generic_category() });
+    }
+
     void write(const EditPlan& plan, const std::optional<Untouchables>& before)
     {
         const timespec date = manner.keepDate ? dateOf(path) : timespec{};
@@ -220,11 +230,16 @@ private:
             putDateBack(path, date);
     }
 
+    [[noreturn]] static void failToOpen(std::error_code error)
+    {
+        const FileError reason = fileErrorOf(error);
+        throw FileError(reason.code, "not written: it can't be opened for writing: " + reason.words);
+    }
+
     [[noreturn]] static void fail(const EditWrite& written, const EditPlan& plan)
     {
         if (written.state == EditWrite::State::NotOpened)
-            throw FileError(fileErrorOf(written.error).code,
-                "not written: it can't be opened for writing: " + fileErrorOf(written.error).words);
+            failToOpen(written.error);
         if (written.state == EditWrite::State::ChangedMeanwhile)
             throw FileError("changed", "not written: its length changed meanwhile");
         throw FileError("write-failed",

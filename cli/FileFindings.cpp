@@ -49,7 +49,7 @@ void checkChunk(const CheckedFile& file, const char* id, bool isThere, bool isSe
 {
     const std::string code = NumberText::toUpperAscii(id) == "BEXT" ? "no-bext" : "no-ixml";
     if (!isThere)
-        findings.push_back({ Severity::Warning, code, "it has no " + std::string(id) + " chunk", id });
+        findings.push_back({ Severity::Warning, code, "no " + std::string(id) + " chunk can be found in it", id });
     else if (!isSeen && file.facts.chunks.fileId != "BW64")
         findings.push_back({ Severity::Warning, "behind-rf64-audio",
             "its " + std::string(id) + " stands where the window doesn't see it, behind the audio", id });

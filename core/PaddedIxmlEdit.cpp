@@ -108,11 +108,17 @@ std::string withValue(const std::string& text, Element element, std::string_view
     return replaced(text, { { static_cast<std::size_t>(old.data() - text.data()), old.size(), std::string(value) } });
 }
 
-/// Where the literal edit leaves a WILD_TRACK element as it is, its value is set here.
-std::string withWildTrack(const std::string& text, const IxmlWish& wish)
+/// The literal edit leaves a WILD_TRACK element that is there as it is. Its value is set here, an empty one too.
+std::string withWildTrack(std::string text, const IxmlWish& wish)
 {
-    const bool turnsOn = wish.updated.wildTrack && !wish.current.wildTrack;
-    return turnsOn ? withValue(text, Element::WildTrack, "TRUE") : text;
+    constexpr std::string_view kOpen = "<WILD_TRACK>";
+    if (!wish.updated.wildTrack || wish.current.wildTrack)
+        return text;
+    const std::size_t open = text.find(kOpen);
+    const std::size_t close = text.find("</WILD_TRACK>");
+    if (open < close && close != std::string::npos)
+        text.replace(open + kOpen.size(), close - open - kOpen.size(), "TRUE");
+    return text;
 }
 
 /// The element has eight digits, without the sign that the record shows in front of them.

@@ -337,6 +337,23 @@ TEST_F(Forecast, trackThatTheFileDoesNotListIsAnObstacle)
     EXPECT_EQ(EditOutcome::Whole, of(wav, request).outcome);
 }
 
+// The writer takes the chunk for found, and says yes on a stream that writes nothing.
+TEST_F(Forecast, chunkWhoseHeaderIsCutTakesNothingThoughTheWriterSaysYes)
+{
+    WavBuilder wav = WavBuilder().ixml("<BWFXML><SCENE>1</SCENE></BWFXML>").fmt(48000, 1, 24).bext({});
+    wav.truncateTo(wav.payloadOffset("bext") - 2);
+    EditRequest request;
+    request.scene = "2";
+    const EditForecast forecast = of(wav, request);
+    EXPECT_EQ(EditOutcome::Refused, forecast.outcome);
+    ASSERT_FALSE(forecast.obstacles.empty());
+    EXPECT_EQ("bext-cut", forecast.obstacles.front().code);
+    EXPECT_TRUE(forecast.writerSucceeds);
+    const BwfMetadata wanted = wantedRecord(BwfMetadataReader::readMetadata(path), request).record;
+    EXPECT_TRUE(BwfMetadataWriter::writeMetadata(path, wanted));
+    EXPECT_EQ(wav.bytes(), readBytes(path));
+}
+
 TEST_F(Forecast, fileThatCannotBeWrittenIsRefused)
 {
     put(WavBuilder().bext({}).fmt(48000, 1, 24));

@@ -234,6 +234,8 @@ TEST_F(SetFault, fileThatMayOnlyBeReadIsSaidAndUntouched)
         GTEST_SKIP() << "Nothing keeps this user from writing to a file.";
     }
     const ProcessResult result = set();
+    const ProcessResult rehearsed
+        = runProcess({ TAGWELL_CLI, "set", "-n", "--scene", "7", path }, { kPatientSanitizer });
     const std::string kept = proof->untouched();
     if (isImmutable)
         ioctl(descriptor, FS_IOC_SETFLAGS, &flags);
@@ -241,6 +243,7 @@ TEST_F(SetFault, fileThatMayOnlyBeReadIsSaidAndUntouched)
     EXPECT_EQ(1, result.exitCode);
     EXPECT_TRUE(says(result, "not written: it can't be opened for writing: there is no permission for it"))
         << result.output;
+    EXPECT_EQ(result.output, rehearsed.output);
     EXPECT_EQ("", kept);
 }
 

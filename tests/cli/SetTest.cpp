@@ -471,7 +471,9 @@ TEST_F(Set, missingTableIsSaid)
     const CliResult result = set({ "--from-csv", tables.file("gone.csv") });
     EXPECT_EQ(Exit::Found, result.exit);
     EXPECT_EQ("tagwell-cli: " + tables.file("gone.csv") + ": there is no such file\n", result.err);
-    EXPECT_EQ(Exit::Found, set({ "--from-csv", tables.path().string() }).exit);
+    for (const std::string& path : { tables.path().string(), std::string("/dev/null") })
+        EXPECT_EQ("tagwell-cli: " + path + ": it is no regular file, and its rows are read more than once\n",
+            set({ "--from-csv", path }).err);
 }
 
 TEST_F(Set, tracksThatAreNoListEndTheirFileAlone)

@@ -243,6 +243,13 @@ TEST_F(InPlaceEdit, fileThatChangedItsLengthSinceThePlanStaysUntouched)
     }
 }
 
+TEST_F(InPlaceEdit, emptyFileIsNoContainer)
+{
+    writeBytes(path, "");
+    updated.circled = true;
+    EXPECT_EQ(std::vector{ Kind::UnknownContainer }, problems());
+}
+
 TEST_F(InPlaceEdit, whatIsNoFileIsNotRead)
 {
     EXPECT_THROW((void)InPlaceFile(path, true).read(), fs::filesystem_error);

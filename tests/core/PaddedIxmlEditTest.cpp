@@ -148,6 +148,9 @@ TEST(PaddedIxmlEdit, wildTrackElementThatSaysFalseIsTurnedToTrue)
     Edit edit(ixml("<WILD_TRACK>FALSE</WILD_TRACK>") + "  ");
     edit.updated.wildTrack = true;
     EXPECT_EQ(ixml("<WILD_TRACK>TRUE</WILD_TRACK>") + "   ", edit.run().bytes);
+    Edit empty(ixml("<WILD_TRACK></WILD_TRACK>") + "    ");
+    empty.updated.wildTrack = true;
+    EXPECT_EQ(ixml("<WILD_TRACK>TRUE</WILD_TRACK>"), empty.run().bytes);
 }
 
 TEST(PaddedIxmlEdit, userBitsThatStandInTheTextAreReplacedAndNoneArePutIn)
