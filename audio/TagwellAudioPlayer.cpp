@@ -152,10 +152,11 @@ void TagwellAudioPlayer::seekSeconds(double seconds)
 {
     if (!state->reader.isOpen())
         return;
+    state->transport.beginSeek();
     state->stereoRing.clear();
     state->converter.reset();
     state->reader.seekSeconds(std::max(seconds, 0.0));
-    state->transport.clearFinished();
+    state->transport.endSeek();
 }
 
 bool TagwellAudioPlayer::isOpen() const

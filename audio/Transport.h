@@ -44,6 +44,11 @@ public:
     void pause() { pauseFlag.store(true, std::memory_order_release); }
     /// Thread: interface.
     void resume() { pauseFlag.store(false, std::memory_order_release); }
+    /// A seek is under way until `endSeek`: between the two the ring may be empty while the reader still stands at the
+    /// end, and that is no end. Thread: interface.
+    void beginSeek() { change(kSeeking, kSeeking); }
+    /// The seek is done; as `clearFinished`. Thread: interface.
+    void endSeek() { change(kSeeking | kFinished, 0); }
 
     /// The word as it stands, for `plays` and `finish`. Thread: mixer.
     uint64_t mark() const { return word.load(std::memory_order_acquire); }
@@ -51,12 +56,13 @@ public:
     static bool plays(uint64_t mark) { return (mark & kPlaying) != 0; }
     /// A block was taken. Thread: mixer.
     void startAudio() { audioStartedFlag.store(true, std::memory_order_release); }
-    /// Has finished and plays no more, both at once, if nothing has changed since `mark`; else nothing happens, and the
-    /// result is false. Thread: mixer. One attempt.
+    /// Has finished and plays no more, both at once, if nothing has changed since `mark` and no seek was under way
+    /// then; else nothing happens, and the result is false. Thread: mixer. One attempt.
     bool finish(uint64_t mark)
     {
-        return word.compare_exchange_strong(
-            mark, (mark & ~kPlaying) | kFinished, std::memory_order_acq_rel, std::memory_order_relaxed);
+        return (mark & kSeeking) == 0
+            && word.compare_exchange_strong(
+                mark, (mark & ~kPlaying) | kFinished, std::memory_order_acq_rel, std::memory_order_relaxed);
     }
     /// `playing`, as a part of the order of all changes: if this is true, whatever the thread that stops does behind
     /// its stop comes after what was done before this call. Thread: mixer. One attempt.
@@ -65,7 +71,8 @@ public:
 private:
     static constexpr uint64_t kPlaying = 1;
     static constexpr uint64_t kFinished = 2;
-    static constexpr uint64_t kOneChange = 4;
+    static constexpr uint64_t kSeeking = 4;
+    static constexpr uint64_t kOneChange = 8;
 
     // The mixer thread changes the word at most once between two changes, so this ends at the second attempt.
     void change(uint64_t bits, uint64_t values)

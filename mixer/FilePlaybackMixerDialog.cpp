@@ -1,11 +1,13 @@
 #include "mixer/FilePlaybackMixerDialog.h"
 
+#include "app/look/Named.h"
 #include "app/look/Theme.h"
 #include "audio/TagwellAudioPlayer.h"
 #include "core/BwfMetadata.h"
 #include "core/Timecode.h"
 #include "mixer/FaderSlider.h"
 #include "mixer/MeterWidget.h"
+#include "mixer/MixerColours.h"
 #include "mixer/TransportIcon.h"
 #include "mixer/WaveformWidget.h"
 
@@ -29,8 +31,6 @@ constexpr int kFormatFloat = 3;
 // Far more than any file that plays has. A broken header may claim 65535, whose widgets would fill the memory.
 constexpr qsizetype kMostSilentStrips = 512;
 
-constexpr char kTextColour[] = "#f0f0f0";
-constexpr char kDimColour[] = "#999999";
 constexpr char kTimecodeColour[] = "#B8E0FF";
 
 constexpr char kTitleStyle[] = "font-size: 15px; font-weight: 700; color: %1;";
@@ -55,8 +55,7 @@ constexpr char kNoFrameRate[] = "--";
 
 QLabel* makeLabel(const char* name, const QString& text, QWidget* parent)
 {
-    auto* label = new QLabel(parent);
-    label->setObjectName(QLatin1String(name));
+    auto* label = named(name, new QLabel(parent));
     // Names come out of files; one that looks like markup is still a name.
     label->setTextFormat(Qt::PlainText);
     label->setText(text);
@@ -65,8 +64,7 @@ QLabel* makeLabel(const char* name, const QString& text, QWidget* parent)
 
 QPushButton* makeTransportButton(const char* name, QStyle::StandardPixmap icon, const QString& text, QWidget* parent)
 {
-    auto* button = new QPushButton(transportIcon(*parent, icon), text, parent);
-    button->setObjectName(QLatin1String(name));
+    auto* button = named(name, new QPushButton(transportIcon(*parent, icon), text, parent));
     button->setEnabled(false);
     return button;
 }
@@ -129,11 +127,11 @@ void FilePlaybackMixerDialog::setupUi(const QList<QString>& trackNames)
 void FilePlaybackMixerDialog::addHeader(QVBoxLayout* rows)
 {
     titleLabel = makeLabel("titleLabel", QFileInfo(filePath).fileName(), this);
-    titleLabel->setStyleSheet(QString::fromLatin1(kTitleStyle).arg(QLatin1String(kTextColour)));
+    titleLabel->setStyleSheet(QString::fromLatin1(kTitleStyle).arg(QLatin1String(Theme::kTextPrimary)));
     rows->addWidget(titleLabel);
 
     infoLabel = makeLabel("infoLabel", infoText(), this);
-    infoLabel->setStyleSheet(QString::fromLatin1(kInfoStyle).arg(QLatin1String(kDimColour)));
+    infoLabel->setStyleSheet(QString::fromLatin1(kInfoStyle).arg(QLatin1String(kDimTextColour)));
     rows->addWidget(infoLabel);
 }
 
@@ -174,8 +172,7 @@ void FilePlaybackMixerDialog::addTimecodeRow(QVBoxLayout* rows)
 
 void FilePlaybackMixerDialog::addWaveform(QVBoxLayout* rows)
 {
-    waveform = new WaveformWidget(this);
-    waveform->setObjectName(QStringLiteral("waveform"));
+    waveform = named("waveform", new WaveformWidget(this));
     waveform->setAccessibleName(QStringLiteral("Waveform"));
     waveform->setMinimumHeight(90);
     waveform->setMaximumHeight(130);
@@ -187,8 +184,7 @@ void FilePlaybackMixerDialog::addWaveform(QVBoxLayout* rows)
 
 void FilePlaybackMixerDialog::addStrips(QVBoxLayout* rows, const QList<QString>& trackNames)
 {
-    stripScroll = new QScrollArea(this);
-    stripScroll->setObjectName(QStringLiteral("stripScroll"));
+    stripScroll = named("stripScroll", new QScrollArea(this));
     stripScroll->setWidgetResizable(true);
     stripScroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     stripScroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -240,8 +236,7 @@ void FilePlaybackMixerDialog::warnUnplayable()
 
 void FilePlaybackMixerDialog::startTimer()
 {
-    uiTimer = new QTimer(this);
-    uiTimer->setObjectName(QStringLiteral("uiTimer"));
+    uiTimer = named("uiTimer", new QTimer(this));
     uiTimer->setInterval(kTickMilliseconds);
     connect(uiTimer, &QTimer::timeout, this, &FilePlaybackMixerDialog::onUiTick);
     uiTimer->start();

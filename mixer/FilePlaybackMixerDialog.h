@@ -53,6 +53,7 @@ private slots:
     void onWaveformSeek(double ratio);
     void onUiTick();
 
+    // NOLINTNEXTLINE(readability-redundant-access-specifiers): ends the slots.
 private:
     /// The widgets of one track. None is owned; all are descendants of the dialog.
     struct ChannelStrip {

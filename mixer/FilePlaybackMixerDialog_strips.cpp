@@ -1,9 +1,12 @@
 #include "mixer/FilePlaybackMixerDialog.h"
 
+#include "app/look/Named.h"
 #include "app/look/PlainToolTip.h"
+#include "app/look/Theme.h"
 #include "audio/TagwellAudioPlayer.h"
 #include "mixer/FaderSlider.h"
 #include "mixer/MeterWidget.h"
+#include "mixer/MixerColours.h"
 #include "mixer/TrackNameLabel.h"
 
 #include <QHBoxLayout>
@@ -27,8 +30,6 @@ constexpr int kCapWidth = 36;
 constexpr int kCapHeight = 62;
 constexpr int kNameFontPixels = 11;
 constexpr int kDbFontPixels = 10;
-constexpr char kNameColour[] = "#f0f0f0";
-constexpr char kDbColour[] = "#999999";
 constexpr char kGrooveBorder[] = "#444";
 
 constexpr char kNameStyle[] = "font-size: %1px; font-weight: bold; color: %2;";
@@ -69,17 +70,15 @@ QString labelStyle(const char* style, int pixels, const char* colour)
 
 QLabel* makeNameLabel(int track, const QString& name, QWidget* strip)
 {
-    auto* label = new TrackNameLabel(name, strip);
-    label->setObjectName(numbered("nameLabel", track));
+    auto* label = named(numbered("nameLabel", track), new TrackNameLabel(name, strip));
     label->setToolTip(plainToolTip(name));
-    label->setStyleSheet(labelStyle(kNameStyle, kNameFontPixels, kNameColour));
+    label->setStyleSheet(labelStyle(kNameStyle, kNameFontPixels, Theme::kTextPrimary));
     return label;
 }
 
 MeterWidget* makeMeter(int track, const QString& name, QWidget* strip)
 {
-    auto* meter = new MeterWidget(strip);
-    meter->setObjectName(numbered("meter", track));
+    auto* meter = named(numbered("meter", track), new MeterWidget(strip));
     meter->setAccessibleName(QStringLiteral("Meter %1").arg(name));
     meter->setFixedHeight(12);
     // A strip is narrower than a meter that stands alone, and would cut off its clip indicator.
@@ -90,8 +89,7 @@ MeterWidget* makeMeter(int track, const QString& name, QWidget* strip)
 
 FaderSlider* makeFader(int track, const QString& name, QWidget* strip)
 {
-    auto* fader = new FaderSlider(Qt::Vertical, strip);
-    fader->setObjectName(numbered("fader", track));
+    auto* fader = named(numbered("fader", track), new FaderSlider(Qt::Vertical, strip));
     fader->setAccessibleName(QStringLiteral("Fader %1").arg(name));
     fader->setRange(kFaderLowest, kFaderHighest);
     fader->setValue(0);
@@ -106,17 +104,15 @@ FaderSlider* makeFader(int track, const QString& name, QWidget* strip)
 
 QLabel* makeDbLabel(int track, QWidget* strip)
 {
-    auto* label = new QLabel(QStringLiteral("0.0 dB"), strip);
-    label->setObjectName(numbered("dbLabel", track));
+    auto* label = named(numbered("dbLabel", track), new QLabel(QStringLiteral("0.0 dB"), strip));
     label->setAlignment(Qt::AlignCenter);
-    label->setStyleSheet(labelStyle(kDbStyle, kDbFontPixels, kDbColour));
+    label->setStyleSheet(labelStyle(kDbStyle, kDbFontPixels, kDimTextColour));
     return label;
 }
 
 QPushButton* makeToggle(const QString& letter, const QString& objectName, const QString& spokenName, QWidget* strip)
 {
-    auto* button = new QPushButton(letter, strip);
-    button->setObjectName(objectName);
+    auto* button = named(objectName, new QPushButton(letter, strip));
     button->setAccessibleName(spokenName);
     button->setCheckable(true);
     button->setFixedSize(28, 22);
@@ -130,8 +126,7 @@ FilePlaybackMixerDialog::ChannelStrip FilePlaybackMixerDialog::makeStrip(
     int track, const QString& name, QWidget* parent)
 {
     ChannelStrip strip;
-    strip.stripWidget = new QWidget(parent);
-    strip.stripWidget->setObjectName(numbered("strip", track));
+    strip.stripWidget = named(numbered("strip", track), new QWidget(parent));
     strip.stripWidget->setFixedWidth(kStripWidth);
     auto* column = new QVBoxLayout(strip.stripWidget);
     column->setContentsMargins(kStripMargin, kStripMargin, kStripMargin, kStripMargin);

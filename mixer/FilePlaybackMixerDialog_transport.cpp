@@ -118,7 +118,7 @@ QString FilePlaybackMixerDialog::formatTime(double seconds)
     // Far beyond any file, and within what the cast can take.
     constexpr double kLongest = 1e15;
     const bool usable = std::isfinite(seconds) && seconds >= 0.0;
-    const auto total = usable ? static_cast<qint64>(std::min(seconds, kLongest) + 0.5) : 0;
+    const auto total = usable ? static_cast<qint64>(std::floor(std::min(seconds, kLongest) + 0.5)) : 0;
     const QChar zero = QLatin1Char('0');
     return QStringLiteral("%1:%2").arg(total / 60, 2, 10, zero).arg(total % 60, 2, 10, zero);
 }

@@ -1,5 +1,6 @@
 #include "report/SoundReportDialog.h"
 
+#include "app/look/Named.h"
 #include "app/settings/ConfigManager.h"
 #include "report/AleReport.h"
 #include "report/CsvReport.h"
@@ -90,8 +91,7 @@ void keepAlternateRowsDark(QTableWidget& table)
 
 void showToast(QWidget& window, const QString& text)
 {
-    auto* toast = new QLabel(text, &window);
-    toast->setObjectName("toast");
+    auto* toast = named("toast", new QLabel(text, &window));
     toast->setStyleSheet(
         QStringLiteral("QLabel { background-color: rgba(0, 150, 0, 200); color: white; padding: 12px 24px; "
                        "border-radius: 6px; font-size: 14px; font-weight: bold; }"));
@@ -136,8 +136,7 @@ void SoundReportDialog::setupUI()
     setMinimumSize(1000, 700);
     resize(1200, 800);
 
-    mainLayout = new QVBoxLayout(this);
-    mainLayout->setObjectName("mainLayout");
+    mainLayout = named("mainLayout", new QVBoxLayout(this));
     mainLayout->setSpacing(10);
     mainLayout->setContentsMargins(10, 10, 10, 10);
     mainLayout->addLayout(buildFolderRow());
@@ -152,17 +151,13 @@ void SoundReportDialog::setupUI()
 
 QHBoxLayout* SoundReportDialog::buildFolderRow()
 {
-    folderLabel = new QLabel(QStringLiteral("Sound Roll Folder:"), this);
-    folderLabel->setObjectName("folderLabel");
-    folderEdit = new QLineEdit(this);
-    folderEdit->setObjectName("folderEdit");
+    folderLabel = named("folderLabel", new QLabel(QStringLiteral("Sound Roll Folder:"), this));
+    folderEdit = named("folderEdit", new QLineEdit(this));
     folderEdit->setReadOnly(true);
     folderLabel->setBuddy(folderEdit);
-    selectFolderButton = new QPushButton(QStringLiteral("Select Folder..."), this);
-    selectFolderButton->setObjectName("selectFolderButton");
+    selectFolderButton = named("selectFolderButton", new QPushButton(QStringLiteral("Select Folder..."), this));
 
-    folderLayout = new QHBoxLayout;
-    folderLayout->setObjectName("folderLayout");
+    folderLayout = named("folderLayout", new QHBoxLayout);
     folderLayout->addWidget(folderLabel);
     folderLayout->addWidget(folderEdit, 1);
     folderLayout->addWidget(selectFolderButton);
@@ -171,10 +166,8 @@ QHBoxLayout* SoundReportDialog::buildFolderRow()
 
 QGroupBox* SoundReportDialog::buildTakesGroup()
 {
-    takesGroup = new QGroupBox(QStringLiteral("Takes"), this);
-    takesGroup->setObjectName("takesGroup");
-    takeTable = new QTableWidget(this);
-    takeTable->setObjectName("takeTable");
+    takesGroup = named("takesGroup", new QGroupBox(QStringLiteral("Takes"), this));
+    takeTable = named("takeTable", new QTableWidget(this));
     takeTable->setAccessibleName(QStringLiteral("Takes"));
     takeTable->setColumnCount(6);
     takeTable->setHorizontalHeaderLabels({ "File #", "Scene", "Take", "Project", "Sound Roll", "Duration" });
@@ -192,16 +185,12 @@ QGroupBox* SoundReportDialog::buildTakesGroup()
 
 QHBoxLayout* SoundReportDialog::buildButtonRow()
 {
-    configureButton = new QPushButton(QStringLiteral("Configure..."), this);
-    configureButton->setObjectName("configureButton");
-    createReportButton = new QPushButton(QStringLiteral("Create Sound Report"), this);
-    createReportButton->setObjectName("createReportButton");
+    configureButton = named("configureButton", new QPushButton(QStringLiteral("Configure..."), this));
+    createReportButton = named("createReportButton", new QPushButton(QStringLiteral("Create Sound Report"), this));
     createReportButton->setEnabled(false);
-    closeButton = new QPushButton(QStringLiteral("Close"), this);
-    closeButton->setObjectName("closeButton");
+    closeButton = named("closeButton", new QPushButton(QStringLiteral("Close"), this));
 
-    buttonLayout = new QHBoxLayout;
-    buttonLayout->setObjectName("buttonLayout");
+    buttonLayout = named("buttonLayout", new QHBoxLayout);
     buttonLayout->addStretch();
     buttonLayout->addWidget(configureButton);
     buttonLayout->addWidget(createReportButton);

@@ -74,6 +74,7 @@ public:
     /// then; true otherwise, even if the path can't be written.
     bool generatePdfReport(const QString& filePath);
 
+    // NOLINTNEXTLINE(readability-redundant-access-specifiers): begins the slots.
 public slots:
     /// Asks for a folder and loads it. Cancelling changes nothing.
     void onSelectFolder();

@@ -1,5 +1,6 @@
 #include "report/SoundReportDialog.h"
 
+#include "app/look/Named.h"
 #include "app/settings/ConfigManager.h"
 #include "report/PictureFile.h"
 
@@ -38,15 +39,13 @@ void showPicture(QLabel& preview, const QString& path)
 
 QLineEdit* makeEdit(const ReportField& field, const ReportSettings& settings)
 {
-    auto* edit = new QLineEdit(QString::fromStdString(settings.*field.value));
-    edit->setObjectName(field.editName);
+    auto* edit = named(field.editName, new QLineEdit(QString::fromStdString(settings.*field.value)));
     return edit;
 }
 
 QComboBox* addFormatRow(QFormLayout& form, int format)
 {
-    auto* combo = new QComboBox;
-    combo->setObjectName("outputFormatCombo");
+    auto* combo = named("outputFormatCombo", new QComboBox);
     int value = 0;
     for (const ReportFormat& each : kReportFormats)
         combo->addItem(QLatin1String(each.title), value++);
@@ -57,8 +56,7 @@ QComboBox* addFormatRow(QFormLayout& form, int format)
 
 QLabel* makePreview(const QString& path)
 {
-    auto* preview = new QLabel;
-    preview->setObjectName("logoPreview");
+    auto* preview = named("logoPreview", new QLabel);
     preview->setFixedSize(kPreviewWidth, kPreviewHeight);
     preview->setAlignment(Qt::AlignCenter);
     preview->setStyleSheet(QStringLiteral("QLabel { border: 1px solid #ccc; background: #f5f5f5; }"));
@@ -89,10 +87,8 @@ void addLogoRows(QFormLayout& form, const char* title, QLineEdit* logoEdit, cons
 {
     logoEdit->setReadOnly(true);
     logoEdit->setPlaceholderText(QStringLiteral("No logo selected"));
-    auto* browse = new QPushButton(QStringLiteral("Browse..."));
-    browse->setObjectName("browseLogoButton");
-    auto* clear = new QPushButton(QStringLiteral("Clear"));
-    clear->setObjectName("clearLogoButton");
+    auto* browse = named("browseLogoButton", new QPushButton(QStringLiteral("Browse...")));
+    auto* clear = named("clearLogoButton", new QPushButton(QStringLiteral("Clear")));
     QLabel* preview = makePreview(storedPath);
 
     auto* row = new QHBoxLayout;
@@ -115,12 +111,10 @@ void addLogoRows(QFormLayout& form, const char* title, QLineEdit* logoEdit, cons
 
 QHBoxLayout* makeButtonRow(QDialog& dialog)
 {
-    auto* ok = new QPushButton(QStringLiteral("OK"));
-    ok->setObjectName("okButton");
+    auto* ok = named("okButton", new QPushButton(QStringLiteral("OK")));
     // Return in a text field accepts; it would open the logo's file dialog otherwise.
     ok->setDefault(true);
-    auto* cancel = new QPushButton(QStringLiteral("Cancel"));
-    cancel->setObjectName("cancelButton");
+    auto* cancel = named("cancelButton", new QPushButton(QStringLiteral("Cancel")));
     QObject::connect(ok, &QPushButton::clicked, &dialog, &QDialog::accept);
     QObject::connect(cancel, &QPushButton::clicked, &dialog, &QDialog::reject);
 
@@ -149,7 +143,7 @@ void SoundReportDialog::saveProductionInfo()
 void SoundReportDialog::onConfigure()
 {
     QDialog dialog(this);
-    dialog.setObjectName("configurationDialog");
+    named("configurationDialog", &dialog);
     dialog.setWindowTitle(QStringLiteral("Sound Report Configuration"));
     dialog.setMinimumWidth(500);
     auto* layout = new QVBoxLayout(&dialog);

@@ -1,5 +1,6 @@
 #include "report/TakeDetailsPane.h"
 
+#include "app/look/Named.h"
 #include "report/ReportTexts.h"
 #include "report/TakeInfo.h"
 
@@ -63,13 +64,11 @@ constexpr std::array<Row, 12> kRows{ {
 
 TakeDetailsPane::TakeDetailsPane(QWidget* parent) : QGroupBox(QStringLiteral("Take Details"), parent)
 {
-    setObjectName("detailsGroup");
+    named("detailsGroup", this);
     setMaximumWidth(kMaximumWidth);
-    auto* detailsLayout = new QFormLayout(this);
-    detailsLayout->setObjectName("detailsLayout");
+    auto* detailsLayout = named("detailsLayout", new QFormLayout(this));
     for (const Row& row : kRows) {
-        auto* label = new QLabel(QLatin1String(kNoValue));
-        label->setObjectName(row.name);
+        auto* label = named(row.name, new QLabel(QLatin1String(kNoValue)));
         // A note may look like markup; it is shown as it stands in the file.
         label->setTextFormat(Qt::PlainText);
         label->setWordWrap(row.wraps);

@@ -1,40 +1,25 @@
 #include "window/MetadataManagerWindow.h"
 
+#include "app/look/Named.h"
 #include "app/look/Theme.h"
-#include "core/BwfMetadataReader.h"
-#include "window/FileCellDelegate.h"
-#include "window/FileTableColumns.h"
+#include "window/CommonValue.h"
+#include "window/DetailPanes.h"
+#include "window/FileTable.h"
 #include "window/MetadataTexts.h"
-#include "window/PlayColumnItem.h"
-#include "window/WidgetHelpers.h"
 
 #include <QFileInfo>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QPushButton>
 #include <QSplitter>
-#include <QTableWidget>
 #include <QTimer>
 #include <QVBoxLayout>
-
-#include <algorithm>
-#include <array>
 
 namespace {
 
 constexpr int kStartWidth = 1200;
 constexpr int kStartHeight = 800;
 constexpr int kSplitterHandleWidth = 6;
-constexpr int kPlayColumnWidth = 40;
-constexpr int kSmallestColumnWidth = 24;
-constexpr int kFewestPlayButtonsAtOnce = 100;
-/// Qt lays out and looks through all buttons after each round, so rounds of one size would cost time by the square of
-/// the rows. Rounds by a part of what is there keep it in proportion.
-constexpr int kPartOfPlayButtonsAtOnce = 16;
-
-constexpr std::array<const char*, kFileColumnCount> kFileHeaders{ "", "File Name", "File Size", "Channels", "TAPEID",
-    "SCENE", "TAKE", "START TC", "LENGTH", "DATE", "CIRCLED", "SAMPLE RATE", "FRAME RATE", "Notes" };
 
 void keepSplitterOpen(QSplitter* splitter)
 {
@@ -62,7 +47,7 @@ void MetadataManagerWindow::setupUI()
 {
     buildFrame();
     filesSplitter->addWidget(buildFilesPane());
-    filesSplitter->addWidget(buildDetailPanes());
+    filesSplitter->addWidget(detailSplitter);
     filesSplitter->setStretchFactor(0, 1);
     filesSplitter->setStretchFactor(1, 2);
     setTabOrders();
@@ -82,9 +67,11 @@ void MetadataManagerWindow::buildFrame()
     filesSplitter = named("filesSplitter", new QSplitter(Qt::Vertical, centralArea));
     keepSplitterOpen(filesSplitter);
     filesSplitter->setStyleSheet(Theme::splitterHandleStyleSheet());
-    detailSplitter = named("detailSplitter", new QSplitter(Qt::Horizontal, filesSplitter));
+    detailSplitter = named("detailSplitter", new DetailPanes(filesSplitter));
     keepSplitterOpen(detailSplitter);
     detailSplitter->setStyleSheet(filesSplitter->styleSheet());
+    connect(detailSplitter, &DetailPanes::touched, this, &MetadataManagerWindow::onMetadataChanged);
+    connect(detailSplitter, &DetailPanes::timecodeClicked, this, &MetadataManagerWindow::onTimecodeClicked);
 
     saveButton = named("saveButton", new QPushButton(QStringLiteral("Save Changes to Selected Files"), centralArea));
     saveButton->setEnabled(false);
@@ -97,7 +84,9 @@ void MetadataManagerWindow::buildFrame()
 QWidget* MetadataManagerWindow::buildFilesPane()
 {
     auto* pane = named("filesGroup", new QGroupBox(QStringLiteral("Files")));
-    buildFileTable();
+    fileTable = named("fileTable", new FileTable);
+    connect(fileTable, &FileTable::itemSelectionChanged, this, &MetadataManagerWindow::onFileSelectionChanged);
+    connect(fileTable, &FileTable::playWanted, this, &MetadataManagerWindow::onPlayFile);
 
     addButton = named("addButton", new QPushButton(QStringLiteral("Add...")));
     addButton->setToolTip(QStringLiteral("Add WAV files, or folders (all WAVs inside are added)."));
@@ -129,33 +118,13 @@ QWidget* MetadataManagerWindow::buildFilesPane()
     return pane;
 }
 
-void MetadataManagerWindow::buildFileTable()
+void MetadataManagerWindow::setTabOrders()
 {
-    fileTable = named("fileTable", new QTableWidget(0, kFileColumnCount));
-    fileTable->setAccessibleName(QStringLiteral("Files"));
-    fileCells = new FileCellDelegate(fileTable);
-    fileTable->setItemDelegate(fileCells);
-    QStringList titles;
-    for (const char* title : kFileHeaders)
-        titles.append(QLatin1String(title));
-    fileTable->setHorizontalHeaderLabels(titles);
-
-    fileTable->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    fileTable->setSelectionBehavior(QAbstractItemView::SelectRows);
-    fileTable->setDragDropMode(QAbstractItemView::DropOnly);
-    fileTable->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    // Tab leaves the table instead of walking through its cells for ever.
-    fileTable->setTabKeyNavigation(false);
-    fileTable->verticalHeader()->setVisible(false);
-    fileTable->horizontalHeader()->setStretchLastSection(true);
-    fileTable->horizontalHeader()->setMinimumSectionSize(kSmallestColumnWidth);
-    fileTable->horizontalHeader()->setSectionResizeMode(indexOf(FileColumn::Play), QHeaderView::Fixed);
-    fileTable->setColumnWidth(indexOf(FileColumn::Play), kPlayColumnWidth);
-    fileTable->setShowGrid(false);
-    fileTable->setAlternatingRowColors(true);
-    fileTable->setStyleSheet(Theme::fileTableStyleSheet());
-    fitFileColumns();
-    connect(fileTable, &QTableWidget::itemSelectionChanged, this, &MetadataManagerWindow::onFileSelectionChanged);
+    const QList<QWidget*> order
+        = QList<QWidget*>{ fileTable, addButton, removeFileButton, clearButton, soundReportButton }
+        + detailSplitter->tabOrder() + QList<QWidget*>{ saveButton };
+    for (qsizetype i = 1; i < order.size(); ++i)
+        setTabOrder(order.at(i - 1), order.at(i));
 }
 
 void MetadataManagerWindow::openFiles(const QList<QString>& paths)
@@ -170,84 +139,50 @@ void MetadataManagerWindow::openFiles(const QList<QString>& paths)
 void MetadataManagerWindow::addFiles(const QList<QString>& paths)
 {
     try {
-        readNewFiles(paths);
+        for (const QString& path : paths)
+            files.add(path);
     } catch (...) {
-        // A path that can't be sized ends the batch; lists and rows must be in step for whoever takes it from here.
-        appendRowsForNewRecords();
+        // A path that can't be sized ends the batch; list and rows must be in step for whoever takes it from here.
+        fileTable->appendRows(files);
         throw;
     }
-    appendRowsForNewRecords();
-    soundReportButton->setEnabled(!filePaths.isEmpty());
+    fileTable->appendRows(files);
+    soundReportButton->setEnabled(!files.isEmpty());
 }
 
-void MetadataManagerWindow::readNewFiles(const QList<QString>& paths)
+void MetadataManagerWindow::onFileSelectionChanged()
 {
-    for (const QString& path : paths) {
-        if (listedPaths.contains(path))
-            continue;
-        records.append(BwfMetadataReader::readMetadata(path.toStdString()));
-        filePaths.append(path);
-        listedPaths.insert(path);
-    }
+    removeFileButton->setEnabled(fileTable->hasSelection());
+    updateMetadataDisplay();
 }
 
-void MetadataManagerWindow::appendRowsForNewRecords()
+void MetadataManagerWindow::onMetadataChanged()
 {
-    const int firstNewRow = fileTable->rowCount();
-    const int rowCount = static_cast<int>(records.size());
-    // All rows at once: each insertion by itself would renumber every play button above it. Updates stay enabled, since
-    // enabling them again marks every button for painting; nothing is painted before the event loop runs anyway.
-    fileTable->setRowCount(rowCount);
-    for (int row = firstNewRow; row < rowCount; ++row)
-        fillFileRow(row);
-    attachWaitingPlayButtons();
-    fitFileColumns();
+    dirty = true;
+    saveButton->setEnabled(fileTable->hasSelection());
 }
 
-void MetadataManagerWindow::attachWaitingPlayButtons()
+void MetadataManagerWindow::updateMetadataDisplay()
 {
-    // A styled button takes ten times as long as reading its file. The first rows get theirs at once, the others while
-    // the window is idle, so that thousands of files are there to be worked on long before the last button is.
-    const int round = std::max(kFewestPlayButtonsAtOnce, rowsWithPlayButton / kPartOfPlayButtonsAtOnce);
-    const int end = std::min(fileTable->rowCount(), rowsWithPlayButton + round);
-    for (; rowsWithPlayButton < end; ++rowsWithPlayButton)
-        attachPlayButton(rowsWithPlayButton);
-    if (rowsWithPlayButton >= fileTable->rowCount() || playButtonRoundIsDue)
+    const QList<int> rows = fileTable->selectedRows();
+    if (rows.size() == 1 && !files.contains(rows.first())) {
+        detailSplitter->dropTypedStart();
         return;
-    playButtonRoundIsDue = true;
-    QTimer::singleShot(0, this, [this] {
-        playButtonRoundIsDue = false;
-        attachWaitingPlayButtons();
-    });
-}
-
-void MetadataManagerWindow::fillFileRow(int row)
-{
-    auto* playItem = new PlayColumnItem;
-    playItem->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
-    playItem->setTextAlignment(Qt::AlignCenter);
-    fileTable->setItem(row, indexOf(FileColumn::Play), playItem);
-
-    const QFileInfo file(filePaths.at(row));
-    for (int column = indexOf(FileColumn::FileName); column < kFileColumnCount; ++column) {
-        const QString text = fileCellText(static_cast<FileColumn>(column), records.at(row), file);
-        fileTable->setItem(row, column, new QTableWidgetItem(text));
     }
+    detailSplitter->showRecords(files.recordsOf(rows));
+    saveButton->setEnabled(dirty && !rows.isEmpty());
 }
 
-void MetadataManagerWindow::fitFileColumns()
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the signature is fixed.
+QString MetadataManagerWindow::getCommonValue(const QString&, std::function<QString(const BwfMetadata&)> getter)
 {
-    fileCells->beginFitting();
-    for (int column = indexOf(FileColumn::FileName); column < kFileColumnCount; ++column)
-        fileTable->resizeColumnToContents(column);
-    fileCells->endFitting();
-    fileTable->horizontalHeader()->setSectionResizeMode(indexOf(FileColumn::Play), QHeaderView::Fixed);
-    fileTable->setColumnWidth(indexOf(FileColumn::Play), kPlayColumnWidth);
+    return commonValue(files.recordsOf(fileTable->selectedRows()), std::cref(getter)).value_or(noValueMark());
 }
 
-bool MetadataManagerWindow::hasRecord(int row) const
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the signature is fixed.
+bool MetadataManagerWindow::getCommonBool(const QString&, std::function<bool(const BwfMetadata&)> getter)
 {
-    return row >= 0 && row < records.size();
+    return commonValue(files.recordsOf(fileTable->selectedRows()), std::cref(getter)).value_or(false);
 }
 
 QString MetadataManagerWindow::formatFileSize(unsigned long long bytes)

@@ -1,38 +1,31 @@
 #pragma once
 
-#include "core/BwfMetadata.h"
+#include "window/FileList.h"
 
-#include <QHash>
-#include <QIcon>
 #include <QList>
 #include <QMainWindow>
-#include <QSet>
 #include <QString>
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 
-class FileCellDelegate;
+class DetailPanes;
 class FilePlaybackMixerDialog;
-class QCheckBox;
-class QFormLayout;
-class QGroupBox;
-class QLabel;
-class QLineEdit;
+class FileTable;
 class QPushButton;
 class QSplitter;
-class QTableWidget;
-class QTextEdit;
 class QVBoxLayout;
 
 /// The main window: a table of files above, three panes with the metadata of the selected ones below.
 ///
-/// 1. `records`, `filePaths` and the rows of `fileTable` move in step; the row number is the key into all three.
+/// 1. `files` (records and paths) and the rows of `fileTable` move in step; the row number is the key into both.
 ///    New rows go to the end and the table is never sorted, so the order is that of adding.
-/// 2. `listedPaths` holds exactly the paths of `filePaths`.
-/// 3. Signals are not blocked while the panes are filled: `dirty` means that the editors were touched by whatever
+/// 2. Signals are not blocked while the panes are filled: `dirty` means that the editors were touched by whatever
 ///    hand, and saving is offered as soon as they differ from what they showed before.
+///
+/// What moves together lives together: `records` and `filePaths` in FileList; the columns, the play buttons and their
+/// icon in FileTable; the panes' groups, labels and editors, `trackTable` and `pendingTimeReference` in DetailPanes,
+/// which is `detailSplitter` itself. The window wires them: selected records go down to the panes, wishes come up.
 ///
 /// Thread: main only. Reading and writing files blocks the window.
 class MetadataManagerWindow : public QMainWindow {
@@ -97,6 +90,7 @@ public:
     /// such row.
     QList<QString> trackNamesForRow(int row) const;
 
+    // NOLINTNEXTLINE(readability-redundant-access-specifiers): begins the slots.
 public slots:
     /// Opens the sound report on the listed files, or in folder mode when the list is empty.
     void onSoundReport();
@@ -120,47 +114,12 @@ protected:
 private:
     void buildFrame();
     QWidget* buildFilesPane();
-    void buildFileTable();
-    QWidget* buildDetailPanes();
-    void buildGeneralPane();
-    void buildRecordingPane();
-    void buildTrackPane();
     void setTabOrders();
     /// Saves the sizes at every move of a handle of `splitter`, which has all its panes by now.
     void keepSizesOf(QSplitter* splitter);
 
-    /// Appends records and paths of those `paths` that are not listed yet.
-    void readNewFiles(const QList<QString>& paths);
-    /// Makes the table's rows follow the lists, and fits the columns.
-    void appendRowsForNewRecords();
-    void fillFileRow(int row);
-    void fitFileColumns();
-    /// Gives the next rows without a play button theirs, and goes on when the window is idle until all have one.
-    void attachWaitingPlayButtons();
-    /// Takes `rows`, ascending and all in range, out of lists and table; the selection is empty afterwards.
-    void removeRows(const QList<int>& rows);
-
-    /// The distinct selected rows of `fileTable`, ascending.
-    QList<int> selectedRows() const;
-    bool hasRecord(int row) const;
-    void showNoRow();
-    void showOneRow(const BwfMetadata& record);
-    void showSeveralRows(qsizetype count);
-    void showTracks(const std::vector<BwfTrack>& tracks);
-
-    /// Fills an editor and keeps what it then shows.
-    void fillText(QLineEdit* edit, const QString& text);
-    void fillText(QTextEdit* edit, const QString& text);
-    /// The editor shows what it was filled with, be it that it was not touched or that all was taken back.
-    bool isAsFilled(const QLineEdit* edit) const;
-    bool isAsFilled(const QTextEdit* edit) const;
-
-    /// What the editors want written into the file of `record`, which is the one that is selected or one of several.
-    /// Where an editor or a cell is as it was filled, these are the record's own bytes, elsewhere the text as UTF-8.
-    /// A text that is left empty keeps what the file has; the two flags know no such state and always go along.
-    BwfMetadata updateRecord(const BwfMetadata& record, bool forOneFile) const;
-    /// Writes `update` into the row's file, with a warning if that fails. The row is in range.
-    void writeRow(int row, const BwfMetadata& update);
+    /// Writes what the panes want into the row's file, with a warning if that fails. The row is in range.
+    void writeRow(int row);
     /// Replaces the row's record by what its file says now, and refreshes the cells that can have changed. The row is
     /// in range. Throws std::filesystem::filesystem_error if the file is gone.
     void readBackRow(int row);
@@ -176,49 +135,15 @@ private:
     QWidget* centralArea = nullptr;
     QVBoxLayout* mainLayout = nullptr; ///< Layout of `centralArea`.
     QSplitter* filesSplitter = nullptr; ///< Outer one, vertical: the file list above the panes.
-    QSplitter* detailSplitter = nullptr; ///< Inner one, horizontal: the three panes.
-    QTableWidget* fileTable = nullptr;
+    DetailPanes* detailSplitter = nullptr; ///< Inner one, horizontal: the three panes.
+    FileTable* fileTable = nullptr;
     QPushButton* addButton = nullptr;
     QPushButton* removeFileButton = nullptr;
     QPushButton* clearButton = nullptr;
     QPushButton* soundReportButton = nullptr;
-    QGroupBox* generalGroup = nullptr;
-    QFormLayout* generalForm = nullptr;
-    QLabel* currentFileLabel = nullptr;
-    QLabel* channelsLabel = nullptr;
-    QLineEdit* sceneEdit = nullptr;
-    QLineEdit* takeEdit = nullptr;
-    QCheckBox* circledCheck = nullptr;
-    QCheckBox* wildTrackCheck = nullptr;
-    QLineEdit* projectEdit = nullptr;
-    QLineEdit* tapeIdEdit = nullptr;
-    QTextEdit* notesEdit = nullptr;
-    QGroupBox* recordingGroup = nullptr;
-    QFormLayout* recordingForm = nullptr;
-    QLabel* sampleRateLabel = nullptr;
-    QLabel* tcSampleRateLabel = nullptr;
-    QLabel* frameRateLabel = nullptr;
-    QPushButton* timecodeButton = nullptr; ///< Shows the start timecode; a click edits it.
-    QLabel* lengthLabel = nullptr;
-    QLabel* samplesSinceMidnightLabel = nullptr;
-    QLabel* userBitsLabel = nullptr;
-    QLabel* bitDepthLabel = nullptr;
-    uint64_t pendingTimeReference = 0; ///< Samples since midnight of a start time typed but not saved; 0 for none.
-    QGroupBox* trackGroup = nullptr;
-    QVBoxLayout* trackLayout = nullptr;
-    QTableWidget* trackTable = nullptr;
     QPushButton* saveButton = nullptr;
-    QList<BwfMetadata> records; ///< One per row, as last read from its file.
-    QList<QString> filePaths; ///< One per row, as handed to `addFiles`.
+    FileList files; ///< One per row.
     bool dirty = false; ///< The editors were touched since the last save, removal or clearing.
     QString lastDirectory; ///< Folder remembered for the open panel in this run; empty at first.
     FilePlaybackMixerDialog* playbackOverlay = nullptr; ///< Open mixer. Not owned; cleared when it is destroyed.
-
-    FileCellDelegate* fileCells = nullptr; ///< Draws and measures the cells of `fileTable`, which owns it.
-    QSet<QString> listedPaths; ///< The entries of `filePaths`, so that duplicates are found without a search.
-    int rowsWithPlayButton = 0; ///< The rows above this one have their play button, the others wait for it.
-    bool playButtonRoundIsDue = false; ///< The next ones come with a turn of the event loop, however many files follow.
-    QIcon playIcon; ///< Shared by all play buttons; drawn for the first one.
-    QHash<const QWidget*, QString> filledTexts; ///< By text editor: what it showed when it had just been filled.
-    std::optional<QList<int>> rowsOfFill; ///< Selected rows while the panes are filled, worked out once for all fields.
 };

@@ -4,22 +4,18 @@
 #include "app/files/NativeFilePanel.h"
 #include "app/files/WavSuffix.h"
 #include "app/settings/ConfigManager.h"
-#include "window/FileTableColumns.h"
-#include "window/PlayColumnItem.h"
+#include "window/DetailPanes.h"
+#include "window/FileTable.h"
 
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileInfo>
-#include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
-#include <QSignalBlocker>
-#include <QTableWidget>
+#include <QSet>
 #include <QUrl>
-
-#include <algorithm>
 
 namespace {
 
@@ -50,82 +46,6 @@ QString nearestExistingFolder(const QString& dir)
     return path;
 }
 
-/// `list` without the entries at `rows`, which are ascending and in range.
-template <typename Entry> void eraseRows(QList<Entry>& list, const QList<int>& rows)
-{
-    auto nextErased = rows.begin();
-    auto kept = list.begin();
-    for (qsizetype row = 0; row < list.size(); ++row) {
-        if (nextErased != rows.end() && *nextErased == row) {
-            ++nextErased;
-            continue;
-        }
-        // An entry moved onto itself would lose its texts.
-        if (&*kept != &list[row])
-            *kept = std::move(list[row]);
-        ++kept;
-    }
-    list.erase(kept, list.end());
-}
-
-/// Rows that follow one another.
-struct RowRun {
-    int first;
-    int count;
-};
-
-/// Removal in few steps is cheap; each step costs time by the number of rows, as every play button is renumbered.
-constexpr qsizetype kFewRuns = 16;
-
-QList<RowRun> runsOf(const QList<int>& rows)
-{
-    QList<RowRun> runs;
-    for (const int row : rows) {
-        if (!runs.isEmpty() && runs.last().first + runs.last().count == row)
-            ++runs.last().count;
-        else
-            runs.append({ row, 1 });
-    }
-    return runs;
-}
-
-void removeRuns(QTableWidget* table, const QList<RowRun>& runs)
-{
-    // From the bottom up, so that no removal moves the rows still to come.
-    for (auto run = runs.crbegin(); run != runs.crend(); ++run)
-        table->model()->removeRows(run->first, run->count);
-}
-
-/// Where the current row goes when `rows` are removed one by one from the bottom up: to the nearest row above that
-/// stays, else to the first one that does. -1 if none stays or none is current.
-int currentRowWithout(const QTableWidget* table, const QList<int>& rows)
-{
-    const auto stays = [&](int row) { return !std::binary_search(rows.begin(), rows.end(), row); };
-    for (int row = table->currentRow(); row >= 0; --row) {
-        if (stays(row))
-            return row;
-    }
-    for (int row = 0; table->currentRow() >= 0 && row < table->rowCount(); ++row) {
-        if (stays(row))
-            return row;
-    }
-    return -1;
-}
-
-/// Brings `rows` together at the top in one step, which takes the play buttons along, and removes them in another.
-void removeScattered(QTableWidget* table, const QList<int>& rows)
-{
-    const int current = currentRowWithout(table, rows);
-    const int column = std::max(table->currentColumn(), 0);
-    table->setCurrentCell(current, column, QItemSelectionModel::Clear);
-
-    const int playColumn = indexOf(FileColumn::Play);
-    for (const int row : rows)
-        table->item(row, playColumn)->setData(PlayColumnItem::kLeavingRole, true);
-    table->model()->sort(playColumn);
-    table->model()->removeRows(0, static_cast<int>(rows.size()));
-}
-
 } // namespace
 
 void MetadataManagerWindow::openFileDialog()
@@ -144,13 +64,13 @@ void MetadataManagerWindow::onAdd()
     const QFileInfo first(picked.first());
     rememberDirectory(first.isDir() ? first.absoluteFilePath() : first.absolutePath());
 
-    const QList<QString> files = collectWavFilesFromPaths(picked);
-    if (files.isEmpty()) {
+    const QList<QString> found = collectWavFilesFromPaths(picked);
+    if (found.isEmpty()) {
         QMessageBox::information(
             this, QStringLiteral("Add"), QStringLiteral("No WAV files were found in the selection."), QMessageBox::Ok);
         return;
     }
-    addFiles(files);
+    addFiles(found);
 }
 
 void MetadataManagerWindow::dragEnterEvent(QDragEnterEvent* event)
@@ -172,13 +92,13 @@ void MetadataManagerWindow::dropEvent(QDropEvent* event)
 
 QList<QString> MetadataManagerWindow::collectWavFilesFromPaths(const QList<QString>& paths) const
 {
-    QList<QString> files;
+    QList<QString> found;
     QSet<QString> seen;
     const auto addOnce = [&](const QString& path) {
         if (seen.contains(path))
             return;
         seen.insert(path);
-        files.append(path);
+        found.append(path);
     };
 
     for (const QString& path : paths) {
@@ -192,7 +112,7 @@ QList<QString> MetadataManagerWindow::collectWavFilesFromPaths(const QList<QStri
             addOnce(file.absoluteFilePath());
         }
     }
-    return files;
+    return found;
 }
 
 QList<QString> MetadataManagerWindow::collectWavFilesInDirectory(const QString& dir) const
@@ -227,46 +147,25 @@ QString MetadataManagerWindow::startingDirectory() const
 
 void MetadataManagerWindow::onRemoveFile()
 {
-    const QList<int> rows = selectedRows();
+    const QList<int> rows = fileTable->selectedRows();
     if (rows.isEmpty())
         return;
     closePlaybackOverlayOfRows(rows);
-    removeRows(rows);
-    soundReportButton->setEnabled(!filePaths.isEmpty());
-    dirty = false;
-}
-
-void MetadataManagerWindow::removeRows(const QList<int>& rows)
-{
-    for (const int row : rows)
-        listedPaths.remove(filePaths.at(row));
-    rowsWithPlayButton
-        -= static_cast<int>(std::lower_bound(rows.begin(), rows.end(), rowsWithPlayButton) - rows.begin());
-    eraseRows(records, rows);
-    eraseRows(filePaths, rows);
-    {
-        // The panes are filled once, at the end, and not after each removal.
-        const QSignalBlocker oneSignal(fileTable);
-        const QList<RowRun> runs = runsOf(rows);
-        if (runs.size() <= kFewRuns)
-            removeRuns(fileTable, runs);
-        else
-            removeScattered(fileTable, rows);
-    }
+    files.remove(rows);
+    fileTable->takeOutRows(rows);
     // Row by row the last but one removal would have left a single file in the panes, whose take can be edited.
     if (rows.size() > 1)
-        takeEdit->setEnabled(true);
+        detailSplitter->offerTake();
     onFileSelectionChanged();
+    soundReportButton->setEnabled(!files.isEmpty());
+    dirty = false;
 }
 
 void MetadataManagerWindow::onClear()
 {
     closePlaybackOverlay();
-    fileTable->setRowCount(0);
-    records.clear();
-    filePaths.clear();
-    listedPaths.clear();
-    rowsWithPlayButton = 0;
+    fileTable->clearRows();
+    files.clear();
     updateMetadataDisplay();
     soundReportButton->setEnabled(false);
     dirty = false;

@@ -1,8 +1,10 @@
 #include "window/MetadataManagerWindow.h"
 
+#include "app/look/Named.h"
+#include "window/DetailPanes.h"
+#include "window/FileTable.h"
 #include "window/MetadataTexts.h"
 #include "window/TimecodeEntry.h"
-#include "window/WidgetHelpers.h"
 
 #include <QDialog>
 #include <QHBoxLayout>
@@ -82,7 +84,7 @@ std::optional<QString> askForTimecode(QWidget* parent, const QString& shown)
 
 void MetadataManagerWindow::onTimecodeClicked()
 {
-    const QList<int> rows = selectedRows();
+    const QList<int> rows = fileTable->selectedRows();
     if (rows.isEmpty()) {
         QMessageBox::information(this, kTitle, "Please select a file first.");
         return;
@@ -91,13 +93,13 @@ void MetadataManagerWindow::onTimecodeClicked()
         QMessageBox::information(this, kTitle, "Please select exactly one file to edit timecode.");
         return;
     }
-    if (!hasRecord(rows.first()))
+    if (!files.contains(rows.first()))
         return;
 
-    const BwfMetadata& record = records.at(rows.first());
+    const BwfMetadata& record = files.record(rows.first());
     const uint32_t rate = timecodeRate(record);
     const double frameRate = record.frameRate > 0.0 ? record.frameRate : kFallbackFrameRate;
-    const QString shown = timecodeButton->text();
+    const QString shown = detailSplitter->startText();
     if (const auto typed = askForTimecode(this, shown == noValueMark() ? QString() : shown))
         takeTypedTimecode(*typed, rate, frameRate);
 }
@@ -113,9 +115,6 @@ void MetadataManagerWindow::takeTypedTimecode(const QString& text, uint32_t rate
     // A complete entry that is out of range, and midnight too, is dropped without a word: 0 means that nothing is
     // pending.
     const uint64_t samples = parseTimecodeToSamples(text, rate, frameRate);
-    if (samples == 0)
-        return;
-    pendingTimeReference = samples;
-    timecodeButton->setText(text);
-    onMetadataChanged();
+    if (samples != 0)
+        detailSplitter->setTypedStart(text, samples);
 }

@@ -247,6 +247,30 @@ TEST_F(MixerPassTest, convertedBlocksAreWrittenWithoutALookAtTheRoom)
     EXPECT_GT(state->stereoRing.written() - before, 64U) << "64 file frames become about 256";
 }
 
+// The file is at its end, but what is queued of it is still to be heard when the seek empties the ring.
+TEST_F(MixerPassTest, aRingThatASeekHasEmptiedIsNotTheEnd)
+{
+    openMono(300);
+    ASSERT_TRUE(comesTrue([&] {
+        pass();
+        return state->stereoRing.written() == 300U;
+    }));
+    state->transport.beginSeek();
+    state->stereoRing.clear();
+    EXPECT_EQ(pass(), milliseconds(4));
+    EXPECT_TRUE(state->transport.playing());
+    EXPECT_FALSE(state->transport.finished());
+    state->reader.setPosition(100);
+    state->transport.endSeek();
+    ASSERT_TRUE(comesTrue([&] {
+        pass();
+        return state->stereoRing.queued() == 200U;
+    }));
+    drain();
+    pass();
+    EXPECT_TRUE(state->transport.finished()) << "the end counts again behind the seek";
+}
+
 TEST_F(MixerPassTest, blocksHoldAtLeastOneTrack)
 {
     const MixerBlocks none(0);

@@ -242,6 +242,18 @@ TEST_F(WavFileReaderHeaderTest, silenceBetweenChunksIsPassedByWhateverItsLength)
     }
 }
 
+TEST_F(WavFileReaderHeaderTest, manyChunksAndShortSilencesMakeNoLongSilence)
+{
+    WavBuilder builder;
+    builder.fmt(48000, 1, 16);
+    for (int i = 0; i < 700; ++i) {
+        builder.chunk("junk", "not a header of its own!").chunk("junk", "nor is this");
+        builder.chunk(std::string(4, '\0'), "");
+    }
+    ASSERT_TRUE(open(builder.data(le16(0x4000))));
+    EXPECT_EQ(read(1, 1, 1), std::vector<float>{ 0.5f });
+}
+
 TEST_F(WavFileReaderHeaderTest, silenceThatIsNoWholeNumberOfHeadersLosesTheWalk)
 {
     const std::string head = WavBuilder().fmt(48000, 1, 16).bytes();

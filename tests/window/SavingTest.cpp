@@ -1,8 +1,8 @@
 #include "core/BwfMetadataReader.h"
 #include "tests/support/ChangedRanges.h"
+#include "tests/support/Recording.h"
 #include "tests/support/TempFolder.h"
 #include "tests/window/ModalHands.h"
-#include "tests/window/TakeFiles.h"
 #include "tests/window/WindowHands.h"
 
 #include <QCheckBox>
@@ -36,15 +36,17 @@ private:
     bool changed = false;
 };
 
+const Recording kUsual = Recording::usual();
+
 class SavingTest : public testing::Test {
 protected:
     SavingTest() { setenv("HOME", home.path().c_str(), 1); }
 
     /// Adds a recording to those that the window opens at the first look at it.
-    void have(const TakeFields& fields)
+    void have(const Recording& fields = Recording::usual())
     {
         const std::string name = "take" + std::to_string(paths.size() + 1) + ".wav";
-        takeFile(fields).write(folder.file(name));
+        fields.file().write(folder.file(name));
         paths.append(QString::fromStdString(folder.file(name)));
         takes.push_back(fields);
     }
@@ -99,14 +101,14 @@ protected:
     TempFolder home;
     TempFolder folder;
     QStringList paths;
-    std::vector<TakeFields> takes;
+    std::vector<Recording> takes;
     std::vector<FileProof> proofs;
     std::unique_ptr<WindowHands> open;
 };
 
-TakeFields withScene(const std::string& scene)
+Recording withScene(const std::string& scene)
 {
-    TakeFields fields;
+    Recording fields = Recording::usual();
     fields.scene = scene;
     return fields;
 }
@@ -126,21 +128,21 @@ TEST_F(SavingTest, aFieldThatShowsTheMarkIsKeptInEachFile)
     EXPECT_EQ(inFile(0).scene, "12A");
     EXPECT_EQ(inFile(1).scene, "13");
     for (int row : { 0, 1 }) {
-        const TakeFields& take = takes[static_cast<size_t>(row)];
+        const Recording& take = takes[static_cast<size_t>(row)];
         EXPECT_EQ(inFile(row).project, "Omega");
         // "Alpha" and "Omega" share their last letter only.
-        ByteRange project = elementRange(take, "PROJECT", "Alpha");
+        ByteRange project = take.elementRange("PROJECT", "Alpha");
         --project.end;
-        EXPECT_EQ(proof(row).changedWithin({ descriptionRange(take), project }), "");
+        EXPECT_EQ(proof(row).changedWithin({ take.descriptionRange(), project }), "");
     }
 }
 
 TEST_F(SavingTest, aMixOfCircledFilesIsUncircledWhateverElseIsSaved)
 {
-    TakeFields circled;
+    Recording circled = Recording::usual();
     circled.circled = "TRUE";
     have(circled);
-    have({});
+    have();
     hands().select({ 0, 1 });
     EXPECT_FALSE(hands().widget<QCheckBox>("circledCheck")->isChecked());
     hands().type("notesEdit", "brief"); // As long as the old note: "FALSE" for "TRUE" does not fit.
@@ -160,10 +162,10 @@ TEST_F(SavingTest, aMixOfCircledFilesIsUncircledWhateverElseIsSaved)
 
 TEST_F(SavingTest, aMixOfWildTracksLosesTheFlagEvenIfOnlyTheSceneChanges)
 {
-    TakeFields wild;
+    Recording wild = Recording::usual();
     wild.wildTrack = "TRUE";
     have(wild);
-    have({});
+    have();
     hands().select({ 0, 1 });
     hands().type("sceneEdit", "12B");
     saveAll(2);
@@ -175,8 +177,8 @@ TEST_F(SavingTest, aMixOfWildTracksLosesTheFlagEvenIfOnlyTheSceneChanges)
 
 TEST_F(SavingTest, aCheckedFlagGoesToAll)
 {
-    have({});
-    have({});
+    have();
+    have();
     hands().select({ 0, 1 });
     QTest::mouseClick(hands().widget<QCheckBox>("circledCheck"), Qt::LeftButton, {}, QPoint(8, 8));
     ASSERT_TRUE(hands().widget<QCheckBox>("circledCheck")->isChecked());
@@ -184,14 +186,14 @@ TEST_F(SavingTest, aCheckedFlagGoesToAll)
     for (int row : { 0, 1 }) {
         EXPECT_TRUE(inFile(row).circled);
         EXPECT_EQ(hands().cell(row, 10), "Yes");
-        EXPECT_EQ(proof(row).unchangedOutside({ ixmlRange({}) }), "");
+        EXPECT_EQ(proof(row).unchangedOutside({ kUsual.ixmlRange() }), "");
     }
 }
 
 TEST_F(SavingTest, anEmptiedFieldClearsNothingInSeveralFiles)
 {
-    have({});
-    have({});
+    have();
+    have();
     hands().select({ 0, 1 });
     EXPECT_EQ(hands().text("sceneEdit"), "12A");
     hands().type("sceneEdit", "");
@@ -203,8 +205,8 @@ TEST_F(SavingTest, anEmptiedFieldClearsNothingInSeveralFiles)
 
 TEST_F(SavingTest, theTakeOfSeveralFilesIsNeverWritten)
 {
-    have({});
-    have({});
+    have();
+    have();
     hands().select({ 0, 1 });
     hands().widget<QLineEdit>("takeEdit")->setText("99");
     saveAll(2);
@@ -225,8 +227,8 @@ TEST_F(SavingTest, theMarkWithAnythingElseIsWrittenAsItStands)
 
 TEST_F(SavingTest, aMarkInAnyOfTheFourTextsKeepsWhatTheFilesHold)
 {
-    TakeFields first;
-    TakeFields second;
+    Recording first = Recording::usual();
+    Recording second = Recording::usual();
     second.scene = "12B";
     second.project = "Gamma";
     second.tape = "R02";
@@ -242,8 +244,8 @@ TEST_F(SavingTest, aMarkInAnyOfTheFourTextsKeepsWhatTheFilesHold)
 
 TEST_F(SavingTest, valuesThatAllFilesShareAreWrittenBackUnchanged)
 {
-    have({});
-    have({});
+    have();
+    have();
     hands().select({ 0, 1 });
     saveAll(2);
     for (int row : { 0, 1 })
@@ -254,8 +256,8 @@ TEST_F(SavingTest, valuesThatAllFilesShareAreWrittenBackUnchanged)
 
 TEST_F(SavingTest, aTypedTakeShowsInTheTableAndComesBackFromTheFile)
 {
-    have({});
-    have({});
+    have();
+    have();
     hands().select({ 0 });
     hands().type("takeEdit", "07");
     saveAll(1);
@@ -270,7 +272,7 @@ TEST_F(SavingTest, aTypedTakeShowsInTheTableAndComesBackFromTheFile)
 
 TEST_F(SavingTest, everyTextOfOneFileIsWritten)
 {
-    have({});
+    have();
     hands().select({ 0 });
     hands().type("sceneEdit", "12B");
     hands().type("takeEdit", "02");
@@ -284,15 +286,15 @@ TEST_F(SavingTest, everyTextOfOneFileIsWritten)
     EXPECT_EQ(record.project, "Gamma");
     EXPECT_EQ(record.tape, "R02");
     EXPECT_EQ(record.note, "other");
-    EXPECT_EQ(proof(0).changedWithin({ descriptionRange({}), elementRange({}, "PROJECT", "Alpha"),
-                  elementRange({}, "SCENE", "12A"), elementRange({}, "TAKE", "01"), elementRange({}, "TAPE", "R01"),
-                  elementRange({}, "NOTE", "first") }),
+    EXPECT_EQ(proof(0).changedWithin({ kUsual.descriptionRange(), kUsual.elementRange("PROJECT", "Alpha"),
+                  kUsual.elementRange("SCENE", "12A"), kUsual.elementRange("TAKE", "01"),
+                  kUsual.elementRange("TAPE", "R01"), kUsual.elementRange("NOTE", "first") }),
         "");
 }
 
 TEST_F(SavingTest, theRefreshedCellsFollowTheFile)
 {
-    have({});
+    have();
     hands().select({ 0 });
     hands().type("sceneEdit", "12B");
     hands().type("takeEdit", "02");
@@ -307,7 +309,7 @@ TEST_F(SavingTest, theRefreshedCellsFollowTheFile)
 
 TEST_F(SavingTest, theOtherCellsKeepTheirText)
 {
-    have({});
+    have();
     hands();
     QStringList before;
     for (int column : { 1, 2, 3, 8, 9, 11 }) {
@@ -325,7 +327,7 @@ TEST_F(SavingTest, theOtherCellsKeepTheirText)
 
 TEST_F(SavingTest, aCellWithoutAnItemIsLeftOut)
 {
-    have({});
+    have();
     hands().select({ 0 });
     hands().type("sceneEdit", "12B");
     delete hands().table()->takeItem(0, 5);
@@ -336,12 +338,12 @@ TEST_F(SavingTest, aCellWithoutAnItemIsLeftOut)
 
 TEST_F(SavingTest, theCellsOfTimeAndRateAreReadAgainToo)
 {
-    have({});
+    have();
     hands().select({ 0 });
-    TakeFields moved;
+    Recording moved = Recording::usual();
     moved.timeReference = 345600000;
-    moved.rate = "24/1";
-    takeFile(moved).write(paths[0].toStdString());
+    moved.frameRate = "24/1";
+    moved.file().write(paths[0].toStdString());
     saveAll(1);
     EXPECT_EQ(hands().cell(0, 7), "02:00:00:00");
     EXPECT_EQ(hands().cell(0, 12), "24 fps");
@@ -349,7 +351,7 @@ TEST_F(SavingTest, theCellsOfTimeAndRateAreReadAgainToo)
 
 TEST_F(SavingTest, anEmptiedFieldClearsNothingInOneFile)
 {
-    have({});
+    have();
     hands().select({ 0 });
     for (const char* edit : { "sceneEdit", "takeEdit", "projectEdit", "tapeIdEdit", "notesEdit" })
         hands().type(edit, "");
@@ -361,17 +363,17 @@ TEST_F(SavingTest, anEmptiedFieldClearsNothingInOneFile)
 
 TEST_F(SavingTest, theMarkTypedForOneFileGoesIntoTheFile)
 {
-    have({});
+    have();
     hands().select({ 0 });
     hands().type("sceneEdit", "—"); // Three bytes, as "12A" has.
     saveAll(1);
     EXPECT_EQ(inFile(0).scene, "—");
-    EXPECT_EQ(proof(0).changedWithin({ descriptionRange({}), elementRange({}, "SCENE", "12A") }), "");
+    EXPECT_EQ(proof(0).changedWithin({ kUsual.descriptionRange(), kUsual.elementRange("SCENE", "12A") }), "");
 }
 
 TEST_F(SavingTest, textGoesIntoTheFileAsUtf8)
 {
-    TakeFields fields;
+    Recording fields = Recording::usual();
     fields.note = "123456";
     have(fields);
     hands().select({ 0 });
@@ -383,7 +385,7 @@ TEST_F(SavingTest, textGoesIntoTheFileAsUtf8)
 
 TEST_F(SavingTest, aTypedTrackNameGoesIntoTheTrackList)
 {
-    have({});
+    have();
     hands().select({ 0 });
     auto* tracks = hands().widget<QTableWidget>("trackTable");
     QTableWidgetItem* name = tracks->item(1, 2);
@@ -404,12 +406,12 @@ TEST_F(SavingTest, aTypedTrackNameGoesIntoTheTrackList)
     EXPECT_EQ(inFile(0).tracks[0].name, "Boom");
     EXPECT_EQ(inFile(0).tracks[1].name, "Mic");
     EXPECT_EQ(inFile(0).tracks[1].function, "dry");
-    EXPECT_EQ(proof(0).changedExactly({ elementRange({}, "NAME", "Lav") }), "");
+    EXPECT_EQ(proof(0).changedExactly({ kUsual.elementRange("NAME", "Lav") }), "");
 }
 
 TEST_F(SavingTest, anEmptiedTrackNameAndFunctionAreWrittenEmpty)
 {
-    have({});
+    have();
     hands().select({ 0 });
     auto* tracks = hands().widget<QTableWidget>("trackTable");
     tracks->item(1, 2)->setText("");
@@ -419,12 +421,12 @@ TEST_F(SavingTest, anEmptiedTrackNameAndFunctionAreWrittenEmpty)
     EXPECT_EQ(inFile(0).tracks[0].name, "Boom");
     EXPECT_EQ(inFile(0).tracks[1].name, "");
     EXPECT_EQ(inFile(0).tracks[1].function, "");
-    EXPECT_EQ(proof(0).unchangedOutside({ ixmlRange({}) }), "");
+    EXPECT_EQ(proof(0).unchangedOutside({ kUsual.ixmlRange() }), "");
 }
 
 TEST_F(SavingTest, theChannelOfATrackIsReadFromItsCell)
 {
-    have({});
+    have();
     hands().select({ 0 });
     auto* tracks = hands().widget<QTableWidget>("trackTable");
     // The second row claims channel 1: its new name is written there.
@@ -438,7 +440,7 @@ TEST_F(SavingTest, theChannelOfATrackIsReadFromItsCell)
 
 TEST_F(SavingTest, aChannelCellWithoutItemCountsTheRowAndOneWithoutNumberIsZero)
 {
-    have({});
+    have();
     hands().select({ 0 });
     auto* tracks = hands().widget<QTableWidget>("trackTable");
     tracks->item(0, 1)->setText("one"); // Channel 0 is not in the file, so this name finds no place.
@@ -456,23 +458,23 @@ TEST_F(SavingTest, aChannelCellWithoutItemCountsTheRowAndOneWithoutNumberIsZero)
 namespace {
 
 /// A recorder that writes Latin-1, with an "e" acute at the end of all texts but the take.
-TakeFields latin1()
+Recording latin1()
 {
-    TakeFields fields;
+    Recording fields = Recording::usual();
     fields.scene = "Caf\xE9";
     fields.tape = "Rol\xE9";
     fields.project = "Alph\xE9";
     fields.note = "bris\xE9";
-    fields.tracks = { "Boom\xE9", "Lav\xE9" };
+    fields.trackNames = { "Boom\xE9", "Lav\xE9" };
     fields.function = "cl\xE9";
     return fields;
 }
 
 /// UTF-8 that a text edit gives back otherwise: a byte order mark, CR LF, a no-break space, a line separator.
-TakeFields fineUtf8()
+Recording fineUtf8()
 {
     const std::string mark = "\xEF\xBB\xBF";
-    TakeFields fields;
+    Recording fields = Recording::usual();
     fields.scene = mark + "12A";
     fields.tape = mark + "R01";
     fields.project = mark + "Alpha";
@@ -480,7 +482,7 @@ TakeFields fineUtf8()
         + "one\r\ntwo\rthree\xC2\xA0"
           "four\xE2\x80\xA8"
           "five\xE2\x80\xA9six";
-    fields.tracks = { mark + "Boom", "L\xC2\xA0v" };
+    fields.trackNames = { mark + "Boom", "L\xC2\xA0v" };
     fields.function = mark + "dry";
     return fields;
 }
@@ -489,33 +491,50 @@ TakeFields fineUtf8()
 
 TEST_F(SavingTest, textsThatNobodyTouchedKeepTheirBytesWhenTheTakeOfOneFileChanges)
 {
-    for (const TakeFields& fields : { latin1(), fineUtf8() })
+    for (const Recording& fields : { latin1(), fineUtf8() })
         have(fields);
     for (const int row : { 0, 1 }) {
         hands().select({ row });
         hands().type("takeEdit", "07");
         saveAll(1);
-        const TakeFields& take = takes[static_cast<size_t>(row)];
+        const Recording& take = takes[static_cast<size_t>(row)];
         EXPECT_EQ(inFile(row).take, "07");
-        EXPECT_EQ(proof(row).changedWithin({ descriptionRange(take), elementRange(take, "TAKE", "01") }), "");
+        EXPECT_EQ(proof(row).changedWithin({ take.descriptionRange(), take.elementRange("TAKE", "01") }), "");
+    }
+}
+
+TEST_F(SavingTest, aTakeThatNobodyTouchedKeepsItsBytesWhenTheSceneOfItsFileChanges)
+{
+    for (const char* bytes : { "prise \xE9", "\xEF\xBB\xBF 07" }) {
+        Recording fields = Recording::usual();
+        fields.take = bytes;
+        have(fields);
+    }
+    for (const int row : { 0, 1 }) {
+        hands().select({ row });
+        hands().type("sceneEdit", "13B");
+        saveAll(1);
+        const Recording& take = takes[static_cast<size_t>(row)];
+        EXPECT_EQ(inFile(row).scene, "13B");
+        EXPECT_EQ(proof(row).changedWithin({ take.descriptionRange(), take.elementRange("SCENE", "12A") }), "");
     }
 }
 
 // The line edit shows and gives back 32767 characters.
 TEST_F(SavingTest, aSceneLongerThanItsEditorTakesKeepsItsEnd)
 {
-    const TakeFields fields = withScene(std::string(40000, 's') + "end");
+    const Recording fields = withScene(std::string(40000, 's') + "end");
     have(fields);
     hands().select({ 0 });
     ASSERT_LT(hands().text("sceneEdit").size(), 40000);
     hands().type("takeEdit", "07");
     saveAll(1);
-    EXPECT_EQ(proof(0).changedWithin({ descriptionRange(fields), elementRange(fields, "TAKE", "01") }), "");
+    EXPECT_EQ(proof(0).changedWithin({ fields.descriptionRange(), fields.elementRange("TAKE", "01") }), "");
 }
 
 TEST_F(SavingTest, textsThatNobodyTouchedAreNoChangeAtAll)
 {
-    for (const TakeFields& fields : { latin1(), fineUtf8() })
+    for (const Recording& fields : { latin1(), fineUtf8() })
         have(fields);
     for (const int row : { 0, 1 }) {
         hands().select({ row });
@@ -526,7 +545,7 @@ TEST_F(SavingTest, textsThatNobodyTouchedAreNoChangeAtAll)
 
 TEST_F(SavingTest, textsThatNobodyTouchedKeepTheBytesThatAllFilesShare)
 {
-    for (const TakeFields& fields : { latin1(), latin1(), fineUtf8(), fineUtf8() })
+    for (const Recording& fields : { latin1(), latin1(), fineUtf8(), fineUtf8() })
         have(fields);
     for (const QList<int>& rows : { QList<int>{ 0, 1 }, QList<int>{ 2, 3 } }) {
         hands().select(rows);
@@ -538,7 +557,7 @@ TEST_F(SavingTest, textsThatNobodyTouchedKeepTheBytesThatAllFilesShare)
             EXPECT_EQ(inFile(row).note, takes[static_cast<size_t>(row)].note);
             EXPECT_EQ(inFile(row).scene, takes[static_cast<size_t>(row)].scene);
             EXPECT_EQ(inFile(row).project, takes[static_cast<size_t>(row)].project);
-            EXPECT_EQ(proof(row).unchangedOutside({ ixmlRange(takes[static_cast<size_t>(row)]) }), "");
+            EXPECT_EQ(proof(row).unchangedOutside({ takes[static_cast<size_t>(row)].ixmlRange() }), "");
         }
     }
 }
@@ -553,14 +572,14 @@ TEST_F(SavingTest, aTextThatIsTypedIntoSeveralFilesLeavesTheBytesOfTheOthers)
     for (const int row : { 0, 1 }) {
         EXPECT_EQ(inFile(row).project, "Omega");
         EXPECT_EQ(
-            proof(row).changedWithin({ descriptionRange(latin1()), elementRange(latin1(), "PROJECT", "Alph\xE9") }),
+            proof(row).changedWithin({ latin1().descriptionRange(), latin1().elementRange("PROJECT", "Alph\xE9") }),
             "");
     }
 }
 
 TEST_F(SavingTest, bytesThatOnlyLookAlikeAreKeptInEachFile)
 {
-    TakeFields other = latin1();
+    Recording other = latin1();
     other.scene = "Caf\xEA";
     have(latin1());
     have(other);
@@ -609,7 +628,7 @@ TEST_F(SavingTest, aTextThatIsTypedGoesInAsUtf8WhateverTheOldBytesWere)
     hands().type("sceneEdit", QString::fromUtf8("Ca\xC3\xA9"));
     saveAll(1);
     EXPECT_EQ(inFile(0).scene, "Ca\xC3\xA9");
-    EXPECT_EQ(proof(0).changedWithin({ descriptionRange(latin1()), elementRange(latin1(), "SCENE", "Caf\xE9") }), "");
+    EXPECT_EQ(proof(0).changedWithin({ latin1().descriptionRange(), latin1().elementRange("SCENE", "Caf\xE9") }), "");
 
     hands().select({ 1 });
     hands().type("notesEdit", QString::fromUtf8("ne\xC3\xBC"));
@@ -624,7 +643,7 @@ TEST_F(SavingTest, aTextThatIsTypedGoesInAsUtf8WhateverTheOldBytesWere)
 // The text that the notes give back is the same with either blank.
 TEST_F(SavingTest, aBlankTypedInPlaceOfANoBreakSpaceIsAChange)
 {
-    TakeFields fields;
+    Recording fields = Recording::usual();
     fields.note = "a\xC2\xA0z";
     have(fields);
     hands().select({ 0 });
@@ -644,15 +663,15 @@ TEST_F(SavingTest, aRenamedTrackLeavesTheBytesOfItsFunctionAndOfTheOtherTracks)
     hands().widget<QTableWidget>("trackTable")->item(1, 2)->setText(QString::fromUtf8("L\xC3\xA9!"));
     saveAll(1);
     EXPECT_EQ(inFile(0).tracks[1].name, "L\xC3\xA9!");
-    EXPECT_EQ(proof(0).changedWithin({ elementRange(latin1(), "NAME", "Lav\xE9") }), "");
+    EXPECT_EQ(proof(0).changedWithin({ latin1().elementRange("NAME", "Lav\xE9") }), "");
 }
 
 // The state afterwards.
 
 TEST_F(SavingTest, savingIsOffAfterwardsAndStaysOffForTheSameSelection)
 {
-    have({});
-    have({});
+    have();
+    have();
     hands().select({ 0, 1 });
     hands().type("sceneEdit", "12B");
     EXPECT_TRUE(hands().enabled("saveButton"));
@@ -664,7 +683,7 @@ TEST_F(SavingTest, savingIsOffAfterwardsAndStaysOffForTheSameSelection)
 
 TEST_F(SavingTest, aRefillThatChangesTheEditorsTurnsSavingOnAgain)
 {
-    have({});
+    have();
     hands().select({ 0 });
     hands().type("sceneEdit", ""); // Comes back from the file.
     saveAll(1);
@@ -674,7 +693,7 @@ TEST_F(SavingTest, aRefillThatChangesTheEditorsTurnsSavingOnAgain)
 
 TEST_F(SavingTest, withNothingSelectedNothingHappens)
 {
-    have({});
+    have();
     hands();
     const ModalHands modal;
     QMetaObject::invokeMethod(&hands().window, "onSaveChanges");
@@ -687,7 +706,7 @@ TEST_F(SavingTest, withNothingSelectedNothingHappens)
 TEST_F(SavingTest, aReadOnlyFileAmongThreeIsNamedOnceAndTheOthersAreWritten)
 {
     for (int i = 0; i < 3; ++i)
-        have({});
+        have();
     chmod(folder.path().c_str(), 0755);
     for (const QString& path : paths)
         chmod(path.toUtf8(), path == paths[1] ? 0444 : 0666);
@@ -711,7 +730,7 @@ TEST_F(SavingTest, aReadOnlyFileAmongThreeIsNamedOnceAndTheOthersAreWritten)
 
 TEST_F(SavingTest, theEditsOfAFailedFileVanishFromTheEditors)
 {
-    TakeFields fields;
+    Recording fields = Recording::usual();
     fields.withBext = false; // A scene needs the chunk that isn't there.
     have(fields);
     hands().select({ 0 });
@@ -726,18 +745,18 @@ TEST_F(SavingTest, theEditsOfAFailedFileVanishFromTheEditors)
 
 TEST_F(SavingTest, aTextThatDoesNotFitIsGivenUpWithoutAWord)
 {
-    have({});
+    have();
     hands().select({ 0 });
     hands().type("sceneEdit", "12AB"); // Reaches the Description, but the longer iXML text has no room.
     saveAll(1);
-    EXPECT_EQ(proof(0).changedWithin({ descriptionRange({}) }), "");
+    EXPECT_EQ(proof(0).changedWithin({ kUsual.descriptionRange() }), "");
     EXPECT_EQ(hands().text("sceneEdit"), "12A");
     EXPECT_EQ(hands().cell(0, 5), "12A");
 }
 
 TEST_F(SavingTest, whenAllFailEachHasItsWarningAndTheClosingBoxCountsThemAll)
 {
-    TakeFields fields;
+    Recording fields = Recording::usual();
     fields.withBext = false;
     have(fields);
     have(fields);
@@ -756,7 +775,7 @@ TEST_F(SavingTest, aBatchOfHundredsGoesOnPastFailuresInItsMiddle)
     const auto fails = [](int row) { return row == 77 || row % 100 == 50; };
     QStringList failing;
     for (int row = 0; row < kFiles; ++row) {
-        TakeFields fields;
+        Recording fields = Recording::usual();
         fields.withBext = !fails(row);
         have(fields);
         if (fails(row))
@@ -775,11 +794,11 @@ TEST_F(SavingTest, aBatchOfHundredsGoesOnPastFailuresInItsMiddle)
     std::ranges::sort(failing);
     EXPECT_EQ(named, failing);
 
-    ByteRange project = elementRange({}, "PROJECT", "Alpha");
+    ByteRange project = kUsual.elementRange("PROJECT", "Alpha");
     --project.end;
     for (int row = 0; row < kFiles; ++row) {
         const std::string wrong
-            = fails(row) ? untouched(row) : proof(row).changedWithin({ descriptionRange({}), project });
+            = fails(row) ? untouched(row) : proof(row).changedWithin({ kUsual.descriptionRange(), project });
         EXPECT_EQ(wrong, "") << row;
     }
 }

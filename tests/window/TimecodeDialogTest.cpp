@@ -1,8 +1,8 @@
 #include "core/BwfMetadataReader.h"
 #include "tests/support/ChangedRanges.h"
+#include "tests/support/Recording.h"
 #include "tests/support/TempFolder.h"
 #include "tests/window/ModalHands.h"
-#include "tests/window/TakeFiles.h"
 #include "tests/window/WindowHands.h"
 
 #include <QApplication>
@@ -44,10 +44,10 @@ class TimecodeDialogTest : public testing::Test {
 protected:
     TimecodeDialogTest() { setenv("HOME", home.path().c_str(), 1); }
 
-    void have(const TakeFields& fields)
+    void have(const Recording& fields = Recording::usual())
     {
         const std::string name = "take" + std::to_string(paths.size() + 1) + ".wav";
-        takeFile(fields).write(folder.file(name));
+        fields.file().write(folder.file(name));
         paths.append(QString::fromStdString(folder.file(name)));
         takes.push_back(fields);
     }
@@ -89,7 +89,7 @@ protected:
     TempFolder home;
     TempFolder folder;
     QStringList paths;
-    std::vector<TakeFields> takes;
+    std::vector<Recording> takes;
     std::unique_ptr<WindowHands> open;
     int dialogs = 0;
 };
@@ -99,17 +99,17 @@ class OneTakeTimecode : public TimecodeDialogTest {
 protected:
     OneTakeTimecode()
     {
-        TakeFields fields;
-        fields.tracks.clear(); // A refill of the track table counts as a touch.
+        Recording fields = Recording::usual();
+        fields.trackNames.clear(); // A refill of the track table counts as a touch.
         have(fields);
         hands().select({ 0 });
     }
 };
 
-TakeFields withoutRate()
+Recording withoutRate()
 {
-    TakeFields fields;
-    fields.rate.clear();
+    Recording fields = Recording::usual();
+    fields.frameRate.clear();
     return fields;
 }
 
@@ -119,7 +119,7 @@ TakeFields withoutRate()
 
 TEST_F(TimecodeDialogTest, withNoFileSelectedABoxAsksForOne)
 {
-    have({});
+    have();
     const QList<SeenBox> boxes = clickButton({});
     ASSERT_EQ(boxes.size(), 1);
     EXPECT_EQ(boxes[0].icon, QMessageBox::Information);
@@ -131,8 +131,8 @@ TEST_F(TimecodeDialogTest, withNoFileSelectedABoxAsksForOne)
 
 TEST_F(TimecodeDialogTest, withTwoFilesSelectedABoxAsksForExactlyOne)
 {
-    have({});
-    have({});
+    have();
+    have();
     hands().select({ 0, 1 });
     const QList<SeenBox> boxes = clickButton({});
     ASSERT_EQ(boxes.size(), 1);
@@ -174,7 +174,7 @@ TEST_F(OneTakeTimecode, theTimeOfTheFileIsOfferedAndSelected)
 
 TEST_F(TimecodeDialogTest, withoutATimeTheEditIsEmpty)
 {
-    TakeFields fields;
+    Recording fields = Recording::usual();
     fields.timeReference = 0;
     have(fields);
     hands().select({ 0 });
@@ -241,10 +241,10 @@ TEST_F(OneTakeTimecode, aPastedTextIsCutToElevenCharactersBeforeItIsFiltered)
 TEST_F(OneTakeTimecode, anOfferedTextIsNotFormattedUntilItIsTouched)
 {
     // At 120 frames a second the frames can have three digits; the last one is over the length.
-    TakeFields fields;
-    fields.rate = "120/1";
+    Recording fields = Recording::usual();
+    fields.frameRate = "120/1";
     fields.timeReference = 172800000 + 48000 / 120 * 105;
-    takeFile(fields).write(folder.file("fast.wav"));
+    fields.file().write(folder.file("fast.wav"));
     hands().window.openFiles({ QString::fromStdString(folder.file("fast.wav")) });
     hands().select({ 1 });
     EXPECT_EQ(button(), "01:00:00:105");
@@ -273,8 +273,8 @@ TEST_F(OneTakeTimecode, theSaveWritesTheEightBytesOfTheTimeAndNothingElse)
     edit([](const EntryHands& entry) { entry.enter("01000012"); });
     save();
     EXPECT_EQ(inFile(0), 172823040u);
-    EXPECT_EQ(proof.patchedExactly({ { timeReferenceRange(takes[0]).begin, le64(172823040) } }), "");
-    EXPECT_EQ(proof.changedWithin({ timeReferenceRange(takes[0]) }), "");
+    EXPECT_EQ(proof.patchedExactly({ { takes[0].timeReferenceRange().begin, le64(172823040) } }), "");
+    EXPECT_EQ(proof.changedWithin({ takes[0].timeReferenceRange() }), "");
     EXPECT_EQ(hands().cell(0, 7), "01:00:00:12");
     EXPECT_EQ(button(), "01:00:00:12");
     EXPECT_EQ(hands().widget<QLabel>("samplesSinceMidnightLabel")->text(), "172823040");
@@ -285,7 +285,7 @@ TEST_F(OneTakeTimecode, afterTheSaveNothingIsPending)
     edit([](const EntryHands& entry) { entry.enter("02000000"); });
     save();
     EXPECT_EQ(inFile(0), 345600000u);
-    takeFile(takes[0]).write(paths[0].toStdString()); // Back to the old time.
+    takes[0].file().write(paths[0].toStdString()); // Back to the old time.
     const FileProof proof(paths[0].toStdString());
     hands().type("sceneEdit", "12A");
     save();
@@ -374,8 +374,8 @@ TEST_F(OneTakeTimecode, moreFramesThanASecondHasAreTaken)
 
 TEST_F(TimecodeDialogTest, anotherSelectionDropsTheTimeThatWasNotSaved)
 {
-    have({});
-    have({});
+    have();
+    have();
     hands().select({ 0 });
     const FileProof proof(paths[0].toStdString());
     edit([](const EntryHands& entry) { entry.enter("02000000"); });
@@ -404,8 +404,8 @@ TEST_F(TimecodeDialogTest, withoutAFrameRateTheTimeIsWorkedOutAtTwentyFour)
 
 TEST_F(TimecodeDialogTest, theRateOfTheTimestampComesBeforeThatOfTheAudio)
 {
-    TakeFields fields;
-    fields.rate = "24000/1001"; // With 48000 Hz of audio the time counts in 48048.
+    Recording fields = Recording::usual();
+    fields.frameRate = "24000/1001"; // With 48000 Hz of audio the time counts in 48048.
     have(fields);
     hands().select({ 0 });
     edit([](const EntryHands& entry) { entry.enter("00000100"); });

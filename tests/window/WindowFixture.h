@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/settings/ConfigManager.h"
+#include "tests/support/Recording.h"
 #include "tests/support/TempFolder.h"
-#include "tests/support/WavBuilder.h"
 #include "window/FileTableColumns.h"
 #include "window/MetadataManagerWindow.h"
 
@@ -17,51 +17,6 @@
 #include <memory>
 #include <string>
 #include <vector>
-
-/// What a recording of a test says about itself; empty texts have no element.
-struct Recording {
-    std::string scene{};
-    std::string take{};
-    std::string project{};
-    std::string tape{};
-    std::string note{};
-    std::string frameRate{}; ///< As in the iXML, such as "25/1".
-    std::string ubits{};
-    bool circled = false;
-    bool wildTrack = false;
-    uint64_t timeReference = 0;
-    uint32_t timestampRate = 0;
-    uint32_t sampleRate = 48000;
-    uint16_t channels = 2;
-    std::vector<std::string> trackNames{};
-
-    std::string ixml() const
-    {
-        const auto element = [](const std::string& tag, const std::string& value) {
-            return value.empty() ? std::string() : "<" + tag + ">" + value + "</" + tag + ">";
-        };
-        std::string speed = element("TIMECODE_RATE", frameRate);
-        if (timestampRate != 0)
-            speed += element("TIMESTAMP_SAMPLE_RATE", std::to_string(timestampRate));
-        std::string tracks;
-        for (size_t i = 0; i < trackNames.size(); ++i)
-            tracks += "<TRACK>" + element("CHANNEL_INDEX", std::to_string(i + 1)) + element("NAME", trackNames[i])
-                + "<FUNCTION>F" + std::to_string(i + 1) + "</FUNCTION></TRACK>";
-        return "<BWFXML>" + element("PROJECT", project) + element("SCENE", scene) + element("TAKE", take)
-            + element("TAPE", tape) + element("NOTE", note) + element("UBITS", ubits)
-            + element("CIRCLED", circled ? "TRUE" : "FALSE") + element("WILD_TRACK", wildTrack ? "TRUE" : "FALSE")
-            + element("SPEED", speed) + element("TRACK_LIST", tracks) + "</BWFXML>";
-    }
-
-    WavBuilder file() const
-    {
-        BextFields bext;
-        bext.timeReference = timeReference;
-        WavBuilder builder;
-        builder.bext(bext).ixml(ixml()).fmt(sampleRate, channels, 24).dataFrames(sampleRate);
-        return builder;
-    }
-};
 
 /// A window on an empty list, with no settings, and the hands of its user.
 class WindowFixture : public testing::Test {

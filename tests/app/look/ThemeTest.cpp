@@ -2,9 +2,11 @@
 
 #include <QCheckBox>
 #include <QCryptographicHash>
+#include <QFile>
 #include <QImage>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QStringList>
 #include <QStyle>
 #include <QStyleOptionButton>
 #include <QTableWidget>
@@ -12,6 +14,9 @@
 #include <QWidget>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
 
 namespace {
 
@@ -21,27 +26,53 @@ std::string sha256(const QString& text)
 }
 
 struct Sheet {
-    const char* name;
+    const char* name; ///< Of the file with the wanted text, too.
     QString (*text)();
-    int length;
-    const char* hash;
+    int length; ///< In characters.
+    const char* hash; ///< SHA-256 of the whole text, so that a slip in the file with the wanted text is found as well.
 };
 
-// Lengths in characters and SHA-256 of the whole texts: a rule that is lost, added or moved anywhere is found here.
+// A rule that is lost, added or moved anywhere is found here.
 constexpr Sheet kSheets[] = {
-    { "main template", Theme::mainStyleSheet, 3897,
+    { "main-template", Theme::mainStyleSheet, 3897,
         "9d0c5b4be463c81da416f38a25d9c052eb2dc36b8f2af42003bb3ace1d4f3168" },
-    { "main sheet", Theme::filledMainStyleSheet, 4122,
-        "9e0ddc9711d22096872137ffb0a3411606f5f8c23e946df2b565fde3c3fb3850" },
-    { "file table", Theme::fileTableStyleSheet, 570,
+    { "main", Theme::filledMainStyleSheet, 4122, "9e0ddc9711d22096872137ffb0a3411606f5f8c23e946df2b565fde3c3fb3850" },
+    { "file-table", Theme::fileTableStyleSheet, 570,
         "161a4d9cbd6ae72bd8e37aff1231f3a498da3bf5491d95666bf5e39118622944" },
-    { "splitter handle", Theme::splitterHandleStyleSheet, 102,
+    { "splitter-handle", Theme::splitterHandleStyleSheet, 102,
         "ee2fa7e764b637671326e156d935b4a988e22b5961ac451d0340c0b5d390af40" },
-    { "timecode button", Theme::timecodeButtonStyleSheet, 96,
+    { "timecode-button", Theme::timecodeButtonStyleSheet, 96,
         "552cc081134aac37f20ae54eb00cd3ac367e9e5817e3fb8ada5256284bbd123e" },
-    { "play button", Theme::playButtonStyleSheet, 205,
+    { "play-button", Theme::playButtonStyleSheet, 205,
         "e3290dd9abbf19a4a37006c9d876061ab2495ba1dcb0289a61cacaeb5f8b34b1" },
 };
+
+/// The rules of a sheet, one a line: each ends with its closing brace.
+QStringList rulesOf(QString sheet)
+{
+    return sheet.replace(u'}', QStringLiteral("}\n")).split(u'\n', Qt::SkipEmptyParts);
+}
+
+/// The rules in sheets/<name>.css, one a line.
+QStringList wantedRules(const char* name)
+{
+    QFile file(QStringLiteral(SHEETS "/%1.css").arg(QLatin1String(name)));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
+    return QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
+}
+
+/// The first line in which the rules differ, as it is and as it is wanted; empty if they are equal.
+std::string firstDifference(const QStringList& rules, const QStringList& wanted)
+{
+    for (qsizetype i = 0; i < std::max(rules.size(), wanted.size()); ++i) {
+        const QString is = rules.value(i, QStringLiteral("(end)"));
+        const QString wish = wanted.value(i, QStringLiteral("(end)"));
+        if (is != wish)
+            return "line " + std::to_string(i + 1) + " is \"" + is.toStdString() + "\", wanted is \""
+                + wish.toStdString() + "\"";
+    }
+    return {};
+}
 
 /// A window in the program's look.
 class ThemedWindow : public testing::Test {
@@ -75,9 +106,20 @@ protected:
 TEST(Theme, everySheetIsExactToTheCharacter)
 {
     for (const Sheet& sheet : kSheets) {
+        EXPECT_EQ(firstDifference(rulesOf(sheet.text()), wantedRules(sheet.name)), "") << sheet.name;
         EXPECT_EQ(sheet.text().size(), sheet.length) << sheet.name;
         EXPECT_EQ(sha256(sheet.text()), sheet.hash) << sheet.name;
     }
+}
+
+TEST(Theme, aDifferenceIsToldByItsLine)
+{
+    const QStringList wanted{ "a { b }", "c { d }" };
+    EXPECT_EQ(firstDifference(rulesOf("a { b }c { d }"), wanted), "");
+    EXPECT_EQ(firstDifference(rulesOf("a { b }c { e }"), wanted), "line 2 is \"c { e }\", wanted is \"c { d }\"");
+    EXPECT_EQ(firstDifference(rulesOf("a { b }"), wanted), "line 2 is \"(end)\", wanted is \"c { d }\"");
+    EXPECT_EQ(firstDifference(rulesOf("a { b }c { d }e"), wanted), "line 3 is \"e\", wanted is \"(end)\"");
+    EXPECT_NE(firstDifference(rulesOf("a { b } c { d }"), wanted), "");
 }
 
 TEST(Theme, theNineColoursHaveTheirValues)

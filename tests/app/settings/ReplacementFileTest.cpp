@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <functional>
 #include <utility>
@@ -17,10 +18,14 @@ namespace {
 /// What another process does between our opening of the temporary file and our lock. Once.
 std::function<void()> beforeTheLock;
 
+/// What every lock is answered with; 0 asks the system.
+int lockError = 0;
+
 class ReplacementFileTest : public testing::Test {
 protected:
     std::string target() const { return folder.file("settings"); }
     std::string temporary() const { return folder.file("settings.tmp"); }
+    void TearDown() override { lockError = 0; }
 
     TempFolder folder;
 };
@@ -32,6 +37,10 @@ extern "C" int flock(int descriptor, int operation) noexcept
 {
     if (beforeTheLock)
         std::exchange(beforeTheLock, nullptr)();
+    if (lockError != 0) {
+        errno = lockError;
+        return -1;
+    }
     return static_cast<int>(syscall(SYS_flock, descriptor, operation));
 }
 
@@ -90,4 +99,25 @@ TEST_F(ReplacementFileTest, aTemporaryFileThatWasReplacedBeforeTheLockIsNotTheOn
     EXPECT_EQ(readBytes(target()), "first");
     EXPECT_TRUE(file.takeTargetsPlace());
     EXPECT_EQ(readBytes(target()), "ours");
+}
+
+TEST_F(ReplacementFileTest, aFileSystemWithoutLocksIsNoReasonNotToSave)
+{
+    for (const int error : { ENOLCK, ENOSYS, EOPNOTSUPP, EINVAL }) {
+        lockError = error;
+        writeBytes(target(), "old");
+        ReplacementFile file(target());
+        ASSERT_TRUE(file.isOpen()) << error;
+        EXPECT_TRUE(file.write("new"));
+        EXPECT_TRUE(file.takeTargetsPlace());
+        EXPECT_EQ(readBytes(target()), "new");
+    }
+}
+
+TEST_F(ReplacementFileTest, aLockThatAnotherHoldsIsWaitedForInVain)
+{
+    for (const int error : { EWOULDBLOCK, EINTR }) {
+        lockError = error;
+        EXPECT_FALSE(ReplacementFile(target()).isOpen()) << error;
+    }
 }
