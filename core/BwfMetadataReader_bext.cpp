@@ -137,8 +137,8 @@ bool BwfMetadataReader::readBextChunk(
     return true;
 }
 
-// The fixed fields are read whatever the chunk's size says, so a shorter chunk is read on into what follows it. They are
-// reached through the chunk's header, eight bytes in front of the payload in 32 bits.
+// The fixed fields are read whatever the chunk's size says, so a shorter chunk is read on into what follows it. They
+// are reached through the chunk's header, eight bytes in front of the payload in 32 bits.
 void BwfMetadataReader::takeBextChunk(std::istream& stream, BwfMetadata& record, ChunkIndex& chunks)
 {
     if (!chunks.begin(stream))
