@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr uint64_t kPieceBytes = 2 * 1024 * 1024; // Far more than starting a thread for it costs.
+constexpr uint64_t kPieceBytes = uint64_t{ 2 } * 1024 * 1024; // Far more than starting a thread for it costs.
 constexpr std::size_t kDigestBytes = 16;
 
 [[noreturn]] void throwShort(uint64_t there, uint64_t declared)

@@ -58,6 +58,7 @@ Exit printProgramHelp(Io& io)
     io.out << "Usage: " << kProgram << " COMMAND [OPTION...] FILE...\n"
            << "Reads, checks and corrects the metadata of Broadcast WAV files.\n\nCommands:\n";
     std::vector<std::pair<std::string, std::string_view>> rows;
+    rows.reserve(kCommands.size());
     for (const Command& command : kCommands)
         rows.emplace_back(command.name, command.words);
     printRows(io.out, rows);

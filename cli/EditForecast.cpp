@@ -2,6 +2,7 @@
 
 #include "cli/FileRun.h"
 #include "cli/WavFile.h"
+#include "core/BextLayout.h"
 #include "core/BwfMetadataReader.h"
 #include "core/IxmlEdit.h"
 #include "core/MetadataChanges.h"
@@ -147,7 +148,8 @@ private:
         }
         if (!(changes.bext || changes.timeReference) || !places.isUsable(places.bext))
             return false;
-        const std::size_t wantedBytes = changes.timeReference ? kBextFieldsBytes : kDescriptionBytes;
+        const std::size_t wantedBytes
+            = changes.timeReference ? BextLayout::kTimeReference.end() : BextLayout::kDescription.size;
         const uint32_t step = places.bext->size + places.bext->size % 2; // In 32 bits, as the walk has it.
         if (step >= wantedBytes)
             return false;
@@ -180,12 +182,12 @@ private:
             return true;
         }
         const std::string text = editedDescription(current, wanted);
-        const std::size_t room = kDescriptionBytes - 1;
+        const std::size_t room = BextLayout::kDescription.size - 1;
         std::string field = text.substr(0, room);
-        field.resize(kDescriptionBytes, '\0');
+        field.resize(BextLayout::kDescription.size, '\0');
         forecast.descriptionField = field;
         const uint64_t there = places.bytesIn(*places.bext);
-        isBextCut = there < (changes.timeReference ? kBextFieldsBytes : kDescriptionBytes);
+        isBextCut = there < (changes.timeReference ? BextLayout::kTimeReference.end() : BextLayout::kDescription.size);
         forecast.descriptionMissing = text.size() - std::min(text.size(), room);
         return true;
     }
@@ -198,8 +200,8 @@ private:
             return false;
         }
         const uint64_t there = places.bytesIn(*places.bext);
-        isBextCut = isBextCut || there < kBextFieldsBytes;
-        if (there > kTimeReferenceOffset)
+        isBextCut = isBextCut || there < BextLayout::kTimeReference.end();
+        if (there > BextLayout::kTimeReference.offset)
             forecast.timeReference = wanted.timeReference;
         return !streamFailed;
     }
@@ -257,9 +259,9 @@ private:
         BwfMetadataReader::readBextChunk(path, after);
         // A field that the end of the file cuts counts as none.
         const uint64_t there = places.bext ? places.bytesIn(*places.bext) : 0;
-        if (forecast.descriptionField && there >= kDescriptionBytes)
+        if (forecast.descriptionField && there >= BextLayout::kDescription.size)
             after.description = forecast.descriptionField->substr(0, forecast.descriptionField->find('\0'));
-        if (forecast.timeReference && there >= kBextFieldsBytes)
+        if (forecast.timeReference && there >= BextLayout::kTimeReference.end())
             after.timeReference = wanted.timeReference <= kMostTimeReference ? wanted.timeReference : 0;
         // Of a chunk whose header the end of the file cuts, the reader takes the empty text.
         if (!places.ixml || Places::isTooFar(*places.ixml))

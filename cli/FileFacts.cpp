@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kFmtBytes = 16;
 constexpr std::size_t kBlockAlignOffset = 12;
-constexpr uint64_t kPieceBytes = 64 * 1024;
+constexpr uint64_t kPieceBytes = uint64_t{ 64 } * 1024;
 constexpr std::string_view kIxmlPadding("\x20\x09\x0D\x0A\0", 5);
 
 void readFormat(WavFile& file, FileFacts& facts)

@@ -1,6 +1,7 @@
 #include "cli/FileFindings.h"
 
 #include "cli/WavFile.h"
+#include "core/BextLayout.h"
 #include "core/BwfMetadataReader.h"
 #include "core/LittleEndian.h"
 #include "core/MetadataChanges.h"
@@ -122,9 +123,9 @@ void checkForm(const IxmlDocument& ixml, Findings& findings)
 
 std::string descriptionOf(const CheckedFile& file)
 {
-    if (file.bext.size() < kDescriptionBytes)
+    if (file.bext.size() < BextLayout::kDescription.size)
         return {};
-    const std::string field = file.bext.substr(0, kDescriptionBytes);
+    const std::string field = file.bext.substr(0, BextLayout::kDescription.size);
     return field.substr(0, field.find('\0'));
 }
 
@@ -239,9 +240,9 @@ void checkStart(const CheckedFile& file, const Halves& halves, uint32_t rate, co
             "its iXML gives a start of " + quoted(halves.high) + " and " + quoted(halves.low), field });
         return;
     }
-    if (file.bext.size() < kBextFieldsBytes)
+    if (file.bext.size() < BextLayout::kTimeReference.end())
         return;
-    const uint64_t bext = littleEndian64(file.bext.data() + kTimeReferenceOffset);
+    const uint64_t bext = littleEndian64(file.bext.data() + BextLayout::kTimeReference.offset);
     if (!sameStart(*ixml, rate, bext, file.facts.record.sampleRate))
         findings.push_back({ Severity::Error, "start-differs",
             "its start is " + std::to_string(*ixml) + " samples in the iXML and " + std::to_string(bext) + " in bext",
@@ -345,7 +346,7 @@ std::map<std::string, std::string> descriptionValues(std::string_view descriptio
     static const std::set<std::string, std::less<>> kKeys
         = { "PROJECT", "SCENE", "TAKE", "TAPE", "NOTE", "UBITS", "CIRCLED", "SPEED", "FRAMERATE" };
     std::map<std::string, std::string> values;
-    const bool mayBeCut = description.size() + 1 >= kDescriptionBytes;
+    const bool mayBeCut = description.size() + 1 >= BextLayout::kDescription.size;
     while (!description.empty()) {
         const std::size_t end = description.find_first_of("\r\n");
         const std::string_view line = description.substr(0, end);

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr std::size_t kBufferBytes = 64 * 1024;
+constexpr std::size_t kBufferBytes = size_t{ 64 } * 1024;
 constexpr mode_t kUsualMode = 0666; // Less what the user's mask takes away.
 
 mode_t modeFor(const std::string& target)

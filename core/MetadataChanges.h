@@ -1,16 +1,8 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
 
 struct BwfMetadata;
-
-/// Bytes of the Description at the start of a `bext` payload; one of them at least is a NUL.
-inline constexpr std::size_t kDescriptionBytes = 256;
-/// Offset of the time reference's low half in the `bext` payload; the high half follows.
-inline constexpr std::size_t kTimeReferenceOffset = 338;
-/// Bytes of a `bext` payload up to the end of the time reference: a shorter one has no room for all that is written.
-inline constexpr std::size_t kBextFieldsBytes = 346;
 
 /// Which steps a save needs: the difference between what is wanted and what the file holds. A plain value.
 struct MetadataChanges {

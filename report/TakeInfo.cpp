@@ -70,6 +70,7 @@ std::vector<std::string> trackNames(const BwfMetadata& metadata)
     std::sort(ordered.begin(), ordered.end());
 
     std::vector<std::string> names;
+    names.reserve(ordered.empty() ? metadata.channels : ordered.size());
     for (auto& entry : ordered)
         names.push_back(std::move(entry.second));
     if (!names.empty())
@@ -156,7 +157,7 @@ QString soundRollOf(const std::vector<TakeInfo>& takes, const QList<QFileInfo>& 
     const auto named
         = std::find_if(takes.begin(), takes.end(), [](const TakeInfo& take) { return !take.soundRoll.empty(); });
     // A tape name of nothing but a byte order mark is a text of no characters.
-    const QString roll = named == takes.end() ? QString() : QString::fromStdString(named->soundRoll);
+    QString roll = named == takes.end() ? QString() : QString::fromStdString(named->soundRoll);
     if (!roll.isEmpty() || files.isEmpty())
         return roll;
     return QDir(files.first().absolutePath()).dirName();

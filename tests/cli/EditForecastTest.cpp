@@ -32,7 +32,7 @@ std::string foretold(std::string bytes, const WavBuilder& wav, const EditForecas
     if (forecast.descriptionField)
         put(wav.payloadOffset("bext"), *forecast.descriptionField);
     if (forecast.timeReference)
-        put(wav.payloadOffset("bext") + kTimeReferenceOffset, le64(*forecast.timeReference));
+        put(wav.payloadOffset("bext") + 338, le64(*forecast.timeReference));
     if (forecast.ixmlPayload)
         put(wav.payloadOffset("iXML"), *forecast.ixmlPayload);
     return bytes;
