@@ -21,8 +21,8 @@ constexpr size_t kGapBytes = 2; // Between two columns of the help.
 constexpr std::array kCommands{
     kDumpCommand,
     kCheckCommand,
-    kReportCommand,
     kSetCommand,
+    kReportCommand,
     kVerifyCommand,
 };
 

@@ -13,6 +13,8 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <optional>
 
 namespace {
@@ -33,14 +35,11 @@ public:
     bool isOpen() const { return descriptor >= 0; }
     QString path() const { return QStringLiteral("/proc/self/fd/%1").arg(descriptor); }
 
+    /// Fewer than there are if they can't be read.
     std::string bytes() const
     {
-        std::string all;
-        std::array<char, 64 * 1024> block{};
-        ssize_t count = 0;
-        while ((count = pread(descriptor, block.data(), block.size(), static_cast<off_t>(all.size()))) > 0)
-            all.append(block.data(), static_cast<size_t>(count));
-        return count < 0 ? std::string() : all;
+        std::ifstream stream(path().toStdString(), std::ios::binary);
+        return { std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>() };
     }
 
 private:
