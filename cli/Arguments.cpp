@@ -13,8 +13,8 @@ std::string quoted(std::string_view text)
 
 bool isChoice(std::string_view value, std::string_view choices)
 {
-    for (std::size_t begin = 0; begin <= choices.size();) {
-        const std::size_t end = std::min(choices.find('|', begin), choices.size());
+    for (size_t begin = 0; begin <= choices.size();) {
+        const size_t end = std::min(choices.find('|', begin), choices.size());
         if (choices.substr(begin, end - begin) == value)
             return true;
         begin = end + 1;
@@ -66,7 +66,7 @@ private:
 
     void takeLong(std::string_view text)
     {
-        const std::size_t sign = text.find('=');
+        const size_t sign = text.find('=');
         const std::string_view name = text.substr(0, sign);
         const Option* const option = byName(name);
         if (!option)
@@ -85,12 +85,25 @@ private:
 
     void takeLetters(std::string_view letters)
     {
-        for (const char letter : letters) {
-            const Option* const option = byLetter(letter);
+        while (!letters.empty()) {
+            const std::string name = std::string("-") + letters.front();
+            const Option* const option = byLetter(letters.front());
             if (!option)
-                return complain("unknown option " + quoted(std::string("-") + letter));
+                return complain("unknown option " + quoted(name));
+            letters.remove_prefix(1);
+            if (!option->value.empty())
+                return takeLetterValue(name, *option, letters);
             note(*option, {});
         }
+    }
+
+    void takeLetterValue(const std::string& name, const Option& option, std::string_view rest)
+    {
+        if (!rest.empty())
+            return note(option, rest);
+        if (at == given.size())
+            return complain("option " + name + " lacks its value");
+        note(option, given[at++]);
     }
 
     void note(const Option& option, std::string_view value)
@@ -125,7 +138,7 @@ private:
 
     std::span<const std::string> given;
     std::span<const Option> known;
-    std::size_t at = 0;
+    size_t at = 0;
     bool onlyOperands = false;
     ParsedArguments result;
 };

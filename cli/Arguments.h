@@ -17,7 +17,7 @@ struct Option {
     std::string_view value = {};
     /// What it does, one line.
     std::string_view words = {};
-    /// Its short form; NUL if it has none. Switches only.
+    /// Its short form; NUL if it has none. A value follows it in the same argument or is the next one.
     char letter = '\0';
     /// May be given several times, each with a value of its own.
     bool repeats = false;
@@ -50,6 +50,7 @@ struct ParsedArguments {
     std::string complaint;
 };
 
-/// Takes `given` apart by `known` options: "--name", "--name=value", "--name value", "-x", and "--" in front of what
+/// Takes `given` apart by `known` options: "--name", "--name=value", "--name value", "-x",
+/// "-xVALUE", "-x VALUE", and "--" in front of what
 /// are no options whatever they look like. "-" by itself is no option. Options and other arguments may come mixed.
 ParsedArguments parseArguments(std::span<const std::string> given, std::span<const Option> known);

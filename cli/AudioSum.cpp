@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr uint64_t kPieceBytes = 2 * 1024 * 1024; // Far more than starting a thread for it costs.
-constexpr std::size_t kDigestBytes = 16;
+constexpr uint64_t kPieceBytes = uint64_t{ 2 } * 1024 * 1024; // Far more than starting a thread for it costs.
+constexpr size_t kDigestBytes = 16;
 
 [[noreturn]] void throwShort(uint64_t there, uint64_t declared)
 {
@@ -33,8 +33,8 @@ public:
     {
         if (!ahead.valid())
             return {};
-        const std::size_t wanted = wantedBytes();
-        const std::size_t count = ahead.get();
+        const size_t wanted = wantedBytes();
+        const size_t count = ahead.get();
         if (count < wanted)
             throwShort(done + count, data.size);
         done += count;
@@ -44,11 +44,11 @@ public:
     }
 
 private:
-    std::size_t wantedBytes() const { return static_cast<std::size_t>(std::min(data.size - done, kPieceBytes)); }
+    size_t wantedBytes() const { return static_cast<size_t>(std::min(data.size - done, kPieceBytes)); }
 
     void readAhead()
     {
-        const std::size_t wanted = wantedBytes();
+        const size_t wanted = wantedBytes();
         if (wanted == 0)
             return;
         if (!coming)
@@ -65,7 +65,7 @@ private:
     uint64_t done = 0; // Bytes handed out.
     std::unique_ptr<char[]> current;
     std::unique_ptr<char[]> coming;
-    std::future<std::size_t> ahead; // Last, so that it is over before the memory goes.
+    std::future<size_t> ahead; // Last, so that it is over before the memory goes.
 };
 
 std::string digestOf(WavFile& file, const ChunkList::Chunk& data)

@@ -1,8 +1,11 @@
 #include "cli/CommandLine.h"
 
+#include "cli/CheckCommand.h"
 #include "cli/DumpCommand.h"
 #include "cli/FileRun.h"
 #include "cli/PlainText.h"
+#include "cli/ReportCommand.h"
+#include "cli/SetCommand.h"
 #include "cli/VerifyCommand.h"
 
 #include <algorithm>
@@ -13,10 +16,13 @@
 namespace {
 
 constexpr std::string_view kProgram = "tagwell-cli";
-constexpr std::size_t kGapBytes = 2; // Between two columns of the help.
+constexpr size_t kGapBytes = 2; // Between two columns of the help.
 
 constexpr std::array kCommands{
     kDumpCommand,
+    kCheckCommand,
+    kSetCommand,
+    kReportCommand,
     kVerifyCommand,
 };
 
@@ -31,7 +37,7 @@ std::string optionTitle(const Option& option)
 
 void printRows(std::ostream& out, const std::vector<std::pair<std::string, std::string_view>>& rows)
 {
-    std::size_t width = 0;
+    size_t width = 0;
     for (const auto& [title, words] : rows)
         width = std::max(width, title.size());
     for (const auto& [title, words] : rows)
@@ -41,7 +47,7 @@ void printRows(std::ostream& out, const std::vector<std::pair<std::string, std::
 void printLines(std::ostream& out, std::string_view lines)
 {
     while (!lines.empty()) {
-        const std::size_t end = std::min(lines.find('\n'), lines.size());
+        const size_t end = std::min(lines.find('\n'), lines.size());
         out << "  " << lines.substr(0, end) << '\n';
         lines.remove_prefix(std::min(end + 1, lines.size()));
     }
@@ -52,6 +58,7 @@ Exit printProgramHelp(Io& io)
     io.out << "Usage: " << kProgram << " COMMAND [OPTION...] FILE...\n"
            << "Reads, checks and corrects the metadata of Broadcast WAV files.\n\nCommands:\n";
     std::vector<std::pair<std::string, std::string_view>> rows;
+    rows.reserve(kCommands.size());
     for (const Command& command : kCommands)
         rows.emplace_back(command.name, command.words);
     printRows(io.out, rows);

@@ -10,11 +10,11 @@ class CsvRow {
 public:
     void add(std::string_view cell);
     /// Cells so far.
-    std::size_t cells() const { return count; }
+    size_t cells() const { return count; }
     /// The row with its line end; it is over then.
     std::string end() &&;
 
 private:
     std::string text;
-    std::size_t count = 0;
+    size_t count = 0;
 };

@@ -105,7 +105,7 @@ public:
 
 private:
     bool withChunks;
-    std::size_t columns = 0;
+    size_t columns = 0;
 };
 
 } // namespace

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr std::size_t kValueColumn = 28; // The longest name is "bext.originator_reference".
+constexpr size_t kValueColumn = 28; // The longest name is "bext.originator_reference".
 constexpr std::string_view kMissing = "-";
 
 class LineSink : public FieldSink {
@@ -64,7 +64,7 @@ protected:
             return none(name);
         std::string_view title = name;
         while (!value.empty()) {
-            const std::size_t end = std::min(value.find('\n'), value.size());
+            const size_t end = std::min(value.find('\n'), value.size());
             std::string_view part = value.substr(0, end);
             if (part.ends_with('\r'))
                 part.remove_suffix(1);

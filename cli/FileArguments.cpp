@@ -42,11 +42,11 @@ public:
         std::vector<bool> repeated(files.paths.size());
         {
             std::unordered_set<std::string_view> met;
-            for (std::size_t i = 0; i < files.paths.size(); ++i)
+            for (size_t i = 0; i < files.paths.size(); ++i)
                 repeated[i] = !met.insert(files.paths[i]).second;
         }
-        std::size_t kept = 0;
-        for (std::size_t i = 0; i < files.paths.size(); ++i) {
+        size_t kept = 0;
+        for (size_t i = 0; i < files.paths.size(); ++i) {
             if (!repeated[i] && kept++ != i)
                 files.paths[kept - 1] = std::move(files.paths[i]);
         }

@@ -8,9 +8,9 @@
 
 namespace {
 
-constexpr std::size_t kFmtBytes = 16;
-constexpr std::size_t kBlockAlignOffset = 12;
-constexpr uint64_t kPieceBytes = 64 * 1024;
+constexpr size_t kFmtBytes = 16;
+constexpr size_t kBlockAlignOffset = 12;
+constexpr uint64_t kPieceBytes = uint64_t{ 64 } * 1024;
 constexpr std::string_view kIxmlPadding("\x20\x09\x0D\x0A\0", 5);
 
 void readFormat(WavFile& file, FileFacts& facts)
@@ -107,7 +107,7 @@ uint64_t freeBytesOf(const std::string& path, const ChunkList::Chunk& ixml)
         const uint64_t count = std::min(left, kPieceBytes);
         left -= count;
         const std::string piece = file.read(ixml.payload() + left, count);
-        const std::size_t last = piece.find_last_not_of(kIxmlPadding);
+        const size_t last = piece.find_last_not_of(kIxmlPadding);
         if (last != std::string::npos)
             return piece[last] == '>' ? whole - left - last - 1 : 0;
     }

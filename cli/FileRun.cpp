@@ -42,7 +42,7 @@ bool deliver(const std::string& text, Io& io)
     return io.out.good();
 }
 
-Exit endEarly(Io& io, std::size_t done, std::size_t total)
+Exit endEarly(Io& io, size_t done, size_t total)
 {
     io.out.flush();
     io.err << kProgram << ": interrupted after " << std::to_string(done) << " of " << std::to_string(total)
@@ -81,7 +81,7 @@ Exit forEachFile(const std::vector<std::string>& files, Io& io, const FileWork& 
     Exit worst = Exit::Ok;
     Progress progress(io, files.size());
     std::string text;
-    for (std::size_t i = 0; i < files.size(); ++i) {
+    for (size_t i = 0; i < files.size(); ++i) {
         if (io.interrupted()) {
             progress.clear();
             return endEarly(io, i, files.size());

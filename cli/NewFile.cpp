@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr std::size_t kBufferBytes = 64 * 1024;
+constexpr size_t kBufferBytes = size_t{ 64 } * 1024;
 constexpr mode_t kUsualMode = 0666; // Less what the user's mask takes away.
 
 mode_t modeFor(const std::string& target)
@@ -87,7 +87,7 @@ void NewFile::flush()
     while (!left.empty()) {
         const ssize_t count = ::write(descriptor, left.data(), left.size());
         if (count > 0)
-            left.remove_prefix(static_cast<std::size_t>(count));
+            left.remove_prefix(static_cast<size_t>(count));
         else if (errno != EINTR)
             throwLastError();
     }

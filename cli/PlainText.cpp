@@ -10,13 +10,13 @@ constexpr uint32_t kLastCharacter = 0x10FFFF;
 constexpr uint32_t kFirstSurrogate = 0xD800;
 constexpr uint32_t kLastSurrogate = 0xDFFF;
 
-unsigned char byteAt(std::string_view text, std::size_t index)
+unsigned char byteAt(std::string_view text, size_t index)
 {
     return static_cast<unsigned char>(text[index]);
 }
 
 // Bytes that a character takes by its first one; 0 if no character begins so.
-std::size_t lengthBy(unsigned char first)
+size_t lengthBy(unsigned char first)
 {
     if (first < 0x80)
         return 1;
@@ -28,16 +28,16 @@ std::size_t lengthBy(unsigned char first)
 }
 
 // Bytes of the character at the start of `text`, which isn't empty; 0 if there is none.
-std::size_t characterBytes(std::string_view text)
+size_t characterBytes(std::string_view text)
 {
     constexpr uint32_t kLowest[] = { 0, 0, 0x80, 0x800, 0x10000 };
-    const std::size_t length = lengthBy(byteAt(text, 0));
+    const size_t length = lengthBy(byteAt(text, 0));
     if (length < 2)
         return length;
     if (length > text.size())
         return 0;
     uint32_t character = byteAt(text, 0) & (0x7Fu >> length);
-    for (std::size_t i = 1; i < length; ++i) {
+    for (size_t i = 1; i < length; ++i) {
         if ((byteAt(text, i) & 0xC0) != 0x80)
             return 0;
         character = character << 6 | (byteAt(text, i) & 0x3Fu);
@@ -47,10 +47,10 @@ std::size_t characterBytes(std::string_view text)
 }
 
 // Bytes at the start of `text` that are ASCII, counted in whole words; most texts have no others.
-std::size_t asciiBytes(std::string_view text)
+size_t asciiBytes(std::string_view text)
 {
     constexpr uint64_t kHighBits = 0x8080808080808080;
-    std::size_t count = 0;
+    size_t count = 0;
     for (uint64_t word = 0; count + sizeof word <= text.size(); count += sizeof word) {
         std::memcpy(&word, text.data() + count, sizeof word);
         if ((word & kHighBits) != 0)
@@ -92,7 +92,7 @@ bool isUtf8(std::string_view text)
         text.remove_prefix(asciiBytes(text));
         if (text.empty())
             break;
-        const std::size_t length = characterBytes(text);
+        const size_t length = characterBytes(text);
         if (length == 0)
             return false;
         text.remove_prefix(length);
@@ -105,7 +105,7 @@ std::string asUtf8(std::string_view text)
     std::string result;
     result.reserve(text.size());
     while (!text.empty()) {
-        const std::size_t length = characterBytes(text);
+        const size_t length = characterBytes(text);
         if (length == 0)
             result += kReplacement;
         else

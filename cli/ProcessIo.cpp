@@ -11,7 +11,7 @@
 namespace {
 
 constexpr int kUsualColumns = 80;
-constexpr std::streamsize kOutBytes = 64 * 1024;
+constexpr std::streamsize kOutBytes = std::streamsize{ 64 } * 1024;
 
 int columnsOf(int descriptor)
 {

@@ -12,7 +12,7 @@ constexpr int64_t kSecondsPerMinute = 60;
 
 } // namespace
 
-std::string progressLine(std::size_t done, std::size_t total, int64_t millis, int columns)
+std::string progressLine(size_t done, size_t total, int64_t millis, int columns)
 {
     std::string line = std::to_string(done) + " of " + std::to_string(total) + " files";
     if (done > 0) {
@@ -22,10 +22,10 @@ std::string progressLine(std::size_t done, std::size_t total, int64_t millis, in
         line
             += ", " + std::to_string(seconds / kSecondsPerMinute) + ":" + (rest.size() < 2 ? "0" : "") + rest + " left";
     }
-    return line.substr(0, static_cast<std::size_t>(std::max(columns - 1, 0)));
+    return line.substr(0, static_cast<size_t>(std::max(columns - 1, 0)));
 }
 
-Progress::Progress(Io& used, std::size_t totalFiles) : io(used), total(totalFiles)
+Progress::Progress(Io& used, size_t totalFiles) : io(used), total(totalFiles)
 {
     if (!io.errIsTerminal)
         return;
@@ -38,7 +38,7 @@ Progress::~Progress()
     clear();
 }
 
-void Progress::step(std::size_t done)
+void Progress::step(size_t done)
 {
     if (!io.errIsTerminal)
         return;
@@ -47,7 +47,7 @@ void Progress::step(std::size_t done)
         return;
     nextMillis = now + kRefreshMillis;
     std::string line = progressLine(done, total, now - begin, io.errColumns);
-    const std::size_t before = shownBytes;
+    const size_t before = shownBytes;
     shownBytes = line.size();
     // Blanks cover what was longer before; no escape sequence is needed for that.
     if (line.size() < before)

@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr std::size_t kDigits = 32;
-constexpr std::size_t kPathColumn = kDigits + 2; // Behind a blank and a blank or "*".
+constexpr size_t kDigits = 32;
+constexpr size_t kPathColumn = kDigits + 2; // Behind a blank and a blank or "*".
 
 std::string keyOf(const std::string& path)
 {
@@ -18,7 +18,7 @@ std::string keyOf(const std::string& path)
 std::optional<std::string> unescaped(std::string_view text)
 {
     std::string path;
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (size_t i = 0; i < text.size(); ++i) {
         if (text[i] != '\\') {
             path += text[i];
             continue;
@@ -92,7 +92,7 @@ SumList readSumList(std::istream& in)
 {
     SumList list;
     std::string line;
-    for (std::size_t number = 1; std::getline(in, line); ++number) {
+    for (size_t number = 1; std::getline(in, line); ++number) {
         if (line.ends_with('\r'))
             line.pop_back();
         if (number == 1)

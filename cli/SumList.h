@@ -21,7 +21,7 @@ struct SumList {
     /// In the order of the list, each once.
     std::vector<std::string> paths;
     /// Numbers, from 1, of lines that are no checksum, or another one of a path that has one already.
-    std::vector<std::size_t> badLines;
+    std::vector<size_t> badLines;
 
     /// 32 lower-case digits of a path, which may be written in another way ("./a" for "a"); empty if it isn't listed.
     std::string digitsOf(const std::string& path) const;

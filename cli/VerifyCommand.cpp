@@ -62,7 +62,7 @@ Exit writeSums(const Arguments& arguments, const std::string& target, Io& io)
     const NamedFiles files = namedFiles(arguments, io);
     NewFile list(target);
     list.write(std::string(kSumListHead) + '\n');
-    std::size_t done = 0;
+    size_t done = 0;
     const FileWork work{
         .work =
             [&](const std::string& path, std::string& out) {
@@ -112,7 +112,7 @@ Exit checkSums(const Arguments& arguments, const std::string& source, Io& io)
     const std::optional<SumList> list = readList(source, io);
     if (!list)
         return Exit::Found;
-    for (const std::size_t line : list->badLines)
+    for (const size_t line : list->badLines)
         complain(io, source, "line " + std::to_string(line) + " is no sum, or contradicts one above it");
     if (list->paths.empty())
         complain(io, source, "it lists no file");

@@ -31,12 +31,12 @@ const std::string& WavFile::regular(const std::string& path)
 
 std::string WavFile::read(uint64_t offset, uint64_t count)
 {
-    std::string bytes(static_cast<std::size_t>(available(offset, count)), '\0');
+    std::string bytes(static_cast<size_t>(available(offset, count)), '\0');
     bytes.resize(read(offset, bytes.data(), bytes.size()));
     return bytes;
 }
 
-std::size_t WavFile::read(uint64_t offset, char* target, std::size_t count)
+size_t WavFile::read(uint64_t offset, char* target, size_t count)
 {
     return count == 0 ? 0 : blocks->read(stream, offset, target, count);
 }

@@ -20,7 +20,7 @@ public:
     /// The bytes from `offset` on, at most `count`; fewer where the file ends or can't be read.
     std::string read(uint64_t offset, uint64_t count);
     /// As ChunkWalk::read, into the caller's own memory: for what is read in large pieces.
-    std::size_t read(uint64_t offset, char* target, std::size_t count);
+    size_t read(uint64_t offset, char* target, size_t count);
 
 private:
     static const std::string& regular(const std::string& path);

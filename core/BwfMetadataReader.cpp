@@ -38,6 +38,13 @@ void readFormat(std::istream& stream, BwfMetadata& record, ChunkIndex& chunks)
     record.bitsPerSample = littleEndian16(payload + 14);
 }
 
+void takeName(const std::string& path, BwfMetadata& record)
+{
+    const std::filesystem::path file(path);
+    record.fileName = file.filename().string();
+    record.fileSize = std::filesystem::file_size(file);
+}
+
 void computeDuration(uint64_t dataSize, BwfMetadata& record)
 {
     const uint32_t frameBytes = record.bitsPerSample / 8u * record.channels;
@@ -64,6 +71,21 @@ std::optional<BwfMetadata> BwfMetadataReader::readMetadataWhole(const std::strin
     return record;
 }
 
+std::optional<BwfMetadata> BwfMetadataReader::readMetadataWhole(const std::string& path, std::istream& opened)
+{
+    std::optional<BwfMetadata> record(std::in_place);
+    takeName(path, *record);
+    ChunkIndex chunks;
+    takeFileInfo(opened, *record, chunks);
+    opened.clear(); // As a file that is opened anew.
+    takeBextChunk(opened, *record, chunks);
+    opened.clear();
+    takeIxmlChunk(opened, *record, chunks);
+    if (chunks.brokeOff())
+        record.reset();
+    return record;
+}
+
 // Each step goes its way, whatever has become of those in front of it.
 bool BwfMetadataReader::readSteps(const std::string& path, BwfMetadata& record)
 {
@@ -82,25 +104,28 @@ void BwfMetadataReader::readFileInfo(const std::string& path, BwfMetadata& recor
     readFileInfo(path, record, stream, chunks);
 }
 
-// The order of the searches matters: a file without `data` (without `ds64` in RF64) has failed the stream when the
-// format's turn comes, and so ends up with no format either.
 bool BwfMetadataReader::readFileInfo(
     const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkIndex& chunks)
 {
-    const std::filesystem::path file(path);
-    record.fileName = file.filename().string();
-    record.fileSize = std::filesystem::file_size(file);
+    takeName(path, record);
     const OpenedFile opened(stream, path);
     if (!stream)
         return false;
+    takeFileInfo(stream, record, chunks);
+    return true;
+}
+
+// The order of the searches matters: a file without `data` (without `ds64` in RF64) has failed the stream when the
+// format's turn comes, and so ends up with no format either.
+void BwfMetadataReader::takeFileInfo(std::istream& stream, BwfMetadata& record, ChunkIndex& chunks)
+{
     const bool isWave = chunks.begin(stream, record.fileSize);
     record.isRF64 = chunks.fileId() == "RF64";
     if (!isWave)
-        return true;
+        return;
     const uint64_t dataSize = dataSizeOf(stream, record.isRF64, chunks);
     readFormat(stream, record, chunks);
     computeDuration(dataSize, record);
-    return true;
 }
 
 bool BwfMetadataReader::findChunk(std::istream& stream, std::string_view id, uint32_t& size, uint32_t& position)

@@ -26,6 +26,10 @@ public:
     /// the file inside a chunk is none of these. Throws as `readMetadata`.
     static std::optional<BwfMetadata> readMetadataWhole(const std::string& path);
 
+    /// The same through `opened`, an unfailed stream on the file at `path`, for somebody who goes on with it. It may be
+    /// failed afterwards. Throws as `readMetadata`.
+    static std::optional<BwfMetadata> readMetadataWhole(const std::string& path, std::istream& opened);
+
     /// Fills in name, size, audio format, duration and whether the file is RF64.
     /// Throws as `readMetadata`. A file that can't be opened or is no WAV file leaves the rest of the record as it is.
     static void readFileInfo(const std::string& path, BwfMetadata& record);
@@ -63,4 +67,8 @@ private:
     static bool readFileInfo(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkIndex& chunks);
     static bool readBextChunk(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkIndex& chunks);
     static bool readIxmlChunk(const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkIndex& chunks);
+    // The same on an open file whose name and size the record has.
+    static void takeFileInfo(std::istream& stream, BwfMetadata& record, ChunkIndex& chunks);
+    static void takeBextChunk(std::istream& stream, BwfMetadata& record, ChunkIndex& chunks);
+    static void takeIxmlChunk(std::istream& stream, BwfMetadata& record, ChunkIndex& chunks);
 };

@@ -127,19 +127,25 @@ void BwfMetadataReader::readBextChunk(const std::string& path, BwfMetadata& reco
     readBextChunk(path, record, stream, chunks);
 }
 
-// The fixed fields are read whatever the chunk's size says, so a shorter chunk is read on into what follows it. They
-// are reached through the chunk's header, eight bytes in front of the payload in 32 bits.
 bool BwfMetadataReader::readBextChunk(
     const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkIndex& chunks)
 {
     const OpenedFile opened(stream, path);
     if (!stream)
         return false;
+    takeBextChunk(stream, record, chunks);
+    return true;
+}
+
+// The fixed fields are read whatever the chunk's size says, so a shorter chunk is read on into what follows it. They
+// are reached through the chunk's header, eight bytes in front of the payload in 32 bits.
+void BwfMetadataReader::takeBextChunk(std::istream& stream, BwfMetadata& record, ChunkIndex& chunks)
+{
     if (!chunks.begin(stream))
-        return true;
+        return;
     const auto chunk = chunks.find(stream, ChunkIndex::Id::Bext);
     if (!chunk)
-        return true;
+        return;
     const uint64_t begin = uint64_t{ chunk->payloadIn32Bits() - ChunkWalk::kHeaderBytes } + ChunkWalk::kHeaderBytes;
     std::array<char, BextLayout::kFixedBytes> payload;
     const size_t arrived = chunks.read(stream, begin, payload.data(), payload.size());
@@ -148,5 +154,4 @@ bool BwfMetadataReader::readBextChunk(
         const uint32_t count = chunk->size - BextLayout::kHistoryReserve;
         record.codingHistory = readUpToNul(stream, begin + BextLayout::kFixedBytes, count, chunks);
     }
-    return true;
 }

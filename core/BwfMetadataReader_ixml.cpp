@@ -339,18 +339,23 @@ void BwfMetadataReader::readIxmlChunk(const std::string& path, BwfMetadata& reco
     readIxmlChunk(path, record, stream, chunks);
 }
 
-// What the size claims beyond the end of the file would be NUL bytes, which hold no tag: no room is made for them.
 bool BwfMetadataReader::readIxmlChunk(
     const std::string& path, BwfMetadata& record, std::ifstream& stream, ChunkIndex& chunks)
 {
     const OpenedFile opened(stream, path);
     if (!stream)
         return false;
+    takeIxmlChunk(stream, record, chunks);
+    return true;
+}
+
+// What the size claims beyond the end of the file would be NUL bytes, which hold no tag: no room is made for them.
+void BwfMetadataReader::takeIxmlChunk(std::istream& stream, BwfMetadata& record, ChunkIndex& chunks)
+{
     if (!chunks.begin(stream))
-        return true;
+        return;
     if (const auto chunk = chunks.find(stream, ChunkIndex::Id::Ixml))
         parseIxml(readUnpadded(stream, *chunk, chunks), record);
-    return true;
 }
 
 void BwfMetadataReader::parseIxml(std::string_view text, BwfMetadata& record)

@@ -3,9 +3,9 @@
 #include "core/BextLayout.h"
 #include "core/BwfMetadata.h"
 #include "core/BwfMetadataReader.h"
-#include "core/CantarMetadataParser.h"
 #include "core/ChunkIndex.h"
 #include "core/LittleEndian.h"
+#include "core/MetadataChanges.h"
 #include "core/MetadataStream.h"
 
 #include <algorithm>
@@ -15,71 +15,6 @@
 #include <vector>
 
 namespace {
-
-constexpr double kDefaultFrameRate = 24.0; // For the rate line of a Description whose file tells no rate.
-
-// Which steps a save needs: the difference between what is wanted and what the file holds.
-struct Changes {
-    bool timeReference = false;
-    bool bext = false;
-    bool ixml = false;
-    bool tracks = false;
-
-    bool any() const { return timeReference || bext || ixml || tracks; }
-};
-
-// An empty text stands for "leave it as it is".
-bool textChanged(const std::string& updated, const std::string& current)
-{
-    return !updated.empty() && updated != current;
-}
-
-// Entries that only the file has do not count, and neither does the channel number.
-bool anyTrackChanged(const std::vector<BwfTrack>& updated, const std::vector<BwfTrack>& current)
-{
-    if (updated.size() > current.size())
-        return true;
-    return !std::equal(updated.begin(), updated.end(), current.begin(),
-        [](const BwfTrack& a, const BwfTrack& b) { return a.name == b.name && a.function == b.function; });
-}
-
-Changes changesBetween(const BwfMetadata& current, const BwfMetadata& updated)
-{
-    const bool sharedText = textChanged(updated.note, current.note) || textChanged(updated.scene, current.scene)
-        || textChanged(updated.tape, current.tape) || textChanged(updated.take, current.take)
-        || textChanged(updated.project, current.project);
-
-    Changes changes;
-    changes.timeReference = updated.timeReference != 0 && updated.timeReference != current.timeReference;
-    // User bits go to the Description only, the two flags and the tracks to the iXML only.
-    changes.bext = sharedText || textChanged(updated.ubits, current.ubits);
-    changes.ixml = sharedText || updated.circled != current.circled || updated.wildTrack != current.wildTrack;
-    changes.tracks = anyTrackChanged(updated.tracks, current.tracks);
-    return changes;
-}
-
-// The Description that the file gets. What the old one said stays where it is not changed, even if the iXML says
-// otherwise; what the parser doesn't know is lost. The rate is the file's, never the wanted record's.
-std::string descriptionFor(const BwfMetadata& current, const BwfMetadata& updated)
-{
-    CantarMetadata wanted;
-    if (!current.description.empty())
-        wanted = CantarMetadataParser::parseDescription(current.description);
-
-    const auto overlay = [](std::string& field, const std::string& newValue, const std::string& oldValue) {
-        if (textChanged(newValue, oldValue))
-            field = newValue;
-    };
-    overlay(wanted.scene, updated.scene, current.scene);
-    overlay(wanted.tape, updated.tape, current.tape);
-    overlay(wanted.take, updated.take, current.take);
-    overlay(wanted.note, updated.note, current.note);
-    overlay(wanted.ubits, updated.ubits, current.ubits);
-    overlay(wanted.tag, updated.project, current.project); // The tag line carries the project.
-
-    const double rate = current.frameRate > 0.0 ? current.frameRate : kDefaultFrameRate;
-    return CantarMetadataParser::buildDescription(wanted, rate);
-}
 
 // Bytes of the file from `position` on; 0 past its end or on a failed stream.
 uint64_t bytesFrom(std::fstream& stream, uint64_t position)
@@ -155,7 +90,7 @@ bool saveDescription(std::fstream& file, ChunkIndex& chunks, const BwfMetadata& 
     const auto payload = standAtPayload(file, bext);
     if (!payload)
         return false;
-    const std::string text = descriptionFor(current, updated);
+    const std::string text = editedDescription(current, updated);
     const bool saved = BwfMetadataWriter::updateBextDescription(file, payload->position, text);
     forgetOverwritten(chunks, *bext);
     return saved;
@@ -187,7 +122,7 @@ bool BwfMetadataWriter::writeMetadata(const std::string& path, const BwfMetadata
     if (!read)
         return false;
     const BwfMetadata& current = *read;
-    const Changes changes = changesBetween(current, updated);
+    const MetadataChanges changes = changesBetween(current, updated);
     if (!changes.any())
         return true;
 

@@ -45,8 +45,9 @@ bool BwfMetadataWriter::updateIxmlFields(
     // size as NUL would grow the file.
     if (!stream)
         return true;
-    edited->resize(room, '\0');
+    std::string& whole = *edited;
+    whole.resize(room, '\0');
     stream.seekp(static_cast<std::streamoff>(position));
-    stream.write(edited->data(), static_cast<std::streamsize>(edited->size()));
+    stream.write(whole.data(), static_cast<std::streamsize>(whole.size()));
     return true;
 }

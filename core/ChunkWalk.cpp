@@ -80,7 +80,7 @@ void ChunkWalk::skipEmptyChunks()
 
 size_t ChunkWalk::read(std::istream& stream, uint64_t offset, char* target, size_t count)
 {
-    if (!stream)
+    if (!stream || count == 0) // A block behind the end of the file has no memory to copy nothing from.
         return 0;
     if (available(offset, count) == count) {
         if (const Block* block = blockWith(stream, offset, count)) {

@@ -73,6 +73,7 @@ private:
     struct Place {
         size_t part = 0;
         size_t offset = 0; // Bytes from the start of the part.
+        // NOLINTNEXTLINE(modernize-use-nullptr): the comparison with 0 is written by the compiler, not here.
         auto operator<=>(const Place&) const = default;
     };
 

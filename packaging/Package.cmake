@@ -15,7 +15,10 @@ It writes into the bext and iXML blocks of the file that is there. The audio
 is never touched, the file never gets longer, and no copies are made.
 
 It plays files of up to 64 tracks through a mixer with faders, mute, solo and
-meters, and writes the sound report of the day as PDF, CSV or ALE.")
+meters, and writes the sound report of the day as PDF, CSV or ALE.
+
+A second program, tagwell-cli, shows, checks and corrects the files of a whole
+card from a script, and proves by checksums that the sound is untouched.")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)

@@ -1,21 +1,27 @@
 #!/usr/bin/env python3
-"""Writes the papers that carry the version or the changelog: metainfo, Debian's changelog, man pages.
+"""Writes the papers that carry the version, the changelog or the command line's options: metainfo, Debian's changelog,
+man pages, the completions of tagwell-cli.
 
     papers.py --version 2.1.7 --homepage URL --maintainer "Name <mail>" --docs /usr/share/doc/tagwell --source DIR
-              --out DIR PROGRAM...
+              --commands TABLE --out DIR PROGRAM...
 
 DIR/CHANGELOG.md follows Keep a Changelog. Its newest dated release must be the version that is built, so that neither
 can be raised alone. PROGRAM... are the programs on the path: each has a man page packaging/man/<program>.1.in and is
-named in the metainfo. The same input gives the same bytes.
+named in the metainfo. TABLE is what the target tagwell_command_table writes. The same input gives the same bytes.
 """
 
 import argparse
 import datetime
 import gzip
+import json
 import pathlib
 import re
+import sys
 import textwrap
 from xml.sax.saxutils import escape
+
+sys.dont_write_bytecode = True  # The sources stay as they are.
+import commands  # noqa: E402
 
 SECTIONS = ("Added", "Changed", "Deprecated", "Removed", "Fixed", "Security")
 RELEASE = re.compile(r"^## \[(?P<version>[^\]]+)\](?: - (?P<date>\d{4}-\d{2}-\d{2}))?$")
@@ -109,7 +115,7 @@ def write_compressed(path, text):
 
 def arguments():
     parser = argparse.ArgumentParser()
-    for name in ("--version", "--homepage", "--maintainer", "--docs", "--source", "--out"):
+    for name in ("--version", "--homepage", "--maintainer", "--docs", "--source", "--commands", "--out"):
         parser.add_argument(name, required=True)
     parser.add_argument("programs", nargs="+")
     return parser.parse_args()
@@ -123,8 +129,10 @@ def main():
     if not releases or releases[0].version != given.version:
         raise SystemExit("CHANGELOG.md's newest release is not %s, the version in CMakeLists.txt" % given.version)
     out.mkdir(parents=True, exist_ok=True)
+    table = json.loads(pathlib.Path(given.commands).read_text(encoding="utf-8"))
 
     values = {
+        **commands.man_values(table),
         "VERSION": given.version, "HOMEPAGE": given.homepage, "DATE": str(releases[0].date),
         "DOCS": given.docs,
         "BINARIES": "\n".join("<binary>%s</binary>" % program for program in given.programs),
@@ -136,6 +144,8 @@ def main():
     for program in given.programs:
         page = (packaging / "man" / (program + ".1.in")).read_text(encoding="utf-8")
         write_compressed(out / (program + ".1.gz"), filled(page, values))
+    for suffix, text in commands.COMPLETIONS.items():
+        (out / (commands.PROGRAM + suffix)).write_text(text(table), encoding="utf-8")
 
 
 if __name__ == "__main__":

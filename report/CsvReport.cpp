@@ -9,7 +9,7 @@
 namespace {
 
 constexpr char kHeader[] = "File Number,Filename,Scene,Take,Timecode In,Timecode Out,Duration,Sample Rate,Bit Depth,"
-                           "Frame Rate,Track Count,Track Names,Notes\n";
+                           "Frame Rate,Track Count,Track Names,Notes";
 
 QString field(const std::string& value)
 {
@@ -23,16 +23,32 @@ void writeLine(QTextStream& out, const TakeInfo& take)
         out << field(*text) << ',';
     out << csvField(reportDuration(take)) << ',' << take.sampleRate << ',' << take.bitDepth << ','
         << csvField(reportFrameRate(take.frameRate)) << ',' << take.tracks.size() << ','
-        << csvField(joinedTracks(take, QStringLiteral("; "))) << ',' << field(take.notes) << '\n';
+        << csvField(joinedTracks(take, QStringLiteral("; "))) << ',' << field(take.notes);
+}
+
+const char* yesOrNo(bool flag)
+{
+    return flag ? "yes" : "no";
 }
 
 } // namespace
 
 void writeCsv(QTextStream& out, const std::vector<TakeInfo>& takes)
 {
-    out << kHeader;
-    for (const TakeInfo& take : takes)
+    out << kHeader << '\n';
+    for (const TakeInfo& take : takes) {
         writeLine(out, take);
+        out << '\n';
+    }
+}
+
+void writeCsvWithFlags(QTextStream& out, const std::vector<TakeInfo>& takes)
+{
+    out << kHeader << ",Circled,Wild\n";
+    for (const TakeInfo& take : takes) {
+        writeLine(out, take);
+        out << ',' << yesOrNo(take.circled) << ',' << yesOrNo(take.wildTrack) << '\n';
+    }
 }
 
 bool writeCsvReport(const QString& path, const std::vector<TakeInfo>& takes)

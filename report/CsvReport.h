@@ -11,6 +11,9 @@ struct TakeInfo;
 /// in its status once it is flushed.
 void writeCsv(QTextStream& out, const std::vector<TakeInfo>& takes);
 
-/// Writes the same to a file, replacing what stood there. False if it can't be opened for writing; errors while
-/// writing are not looked at.
+/// The same with two more columns behind the others, "Circled" and "Wild", each "yes" or "no".
+void writeCsvWithFlags(QTextStream& out, const std::vector<TakeInfo>& takes);
+
+/// Writes what `writeCsv` gives to a file, replacing what stood there. False if it can't be opened for writing; errors
+/// while writing are not looked at.
 bool writeCsvReport(const QString& path, const std::vector<TakeInfo>& takes);

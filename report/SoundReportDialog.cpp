@@ -59,7 +59,7 @@ QString folderToStartIn()
 // The folder to open by itself; empty if there is none.
 QString rememberedFolder()
 {
-    const QString last = setting("lastRecording.folderPath");
+    QString last = setting("lastRecording.folderPath");
     if (!last.isEmpty() && QDir(last).exists())
         return last;
     const RecordingPlace place;

@@ -70,6 +70,7 @@ std::vector<std::string> trackNames(const BwfMetadata& metadata)
     std::sort(ordered.begin(), ordered.end());
 
     std::vector<std::string> names;
+    names.reserve(ordered.empty() ? metadata.channels : ordered.size());
     for (auto& entry : ordered)
         names.push_back(std::move(entry.second));
     if (!names.empty())
@@ -79,7 +80,13 @@ std::vector<std::string> trackNames(const BwfMetadata& metadata)
     return names;
 }
 
-// `position` counts from 1 in the order of loading, which is not the order of the report.
+bool comesBefore(const TakeInfo& a, const TakeInfo& b)
+{
+    return std::tie(a.fileNumber, a.scene, a.take) < std::tie(b.fileNumber, b.scene, b.take);
+}
+
+} // namespace
+
 TakeInfo takeOf(const QFileInfo& file, const BwfMetadata& metadata, size_t position)
 {
     TakeInfo take;
@@ -97,18 +104,18 @@ TakeInfo takeOf(const QFileInfo& file, const BwfMetadata& metadata, size_t posit
     take.sampleRate = metadata.sampleRate;
     take.bitDepth = metadata.bitsPerSample;
     take.isPoly = metadata.channels >= 2;
+    take.circled = metadata.circled;
+    take.wildTrack = metadata.wildTrack;
     take.shortNumber = shortNumberOf(take.fileNumber, position);
     fillTimecodes(take, metadata);
     take.tracks = trackNames(metadata);
     return take;
 }
 
-bool comesBefore(const TakeInfo& a, const TakeInfo& b)
+void sortTakes(std::vector<TakeInfo>& takes)
 {
-    return std::tie(a.fileNumber, a.scene, a.take) < std::tie(b.fileNumber, b.scene, b.take);
+    std::sort(takes.begin(), takes.end(), comesBefore);
 }
-
-} // namespace
 
 std::vector<TakeInfo> readTakes(const QList<QFileInfo>& files)
 {
@@ -123,7 +130,7 @@ std::vector<TakeInfo> readTakes(const QList<QFileInfo>& files)
             continue;
         }
     }
-    std::sort(result.begin(), result.end(), comesBefore);
+    sortTakes(result);
     return result;
 }
 
@@ -150,7 +157,7 @@ QString soundRollOf(const std::vector<TakeInfo>& takes, const QList<QFileInfo>& 
     const auto named
         = std::find_if(takes.begin(), takes.end(), [](const TakeInfo& take) { return !take.soundRoll.empty(); });
     // A tape name of nothing but a byte order mark is a text of no characters.
-    const QString roll = named == takes.end() ? QString() : QString::fromStdString(named->soundRoll);
+    QString roll = named == takes.end() ? QString() : QString::fromStdString(named->soundRoll);
     if (!roll.isEmpty() || files.isEmpty())
         return roll;
     return QDir(files.first().absolutePath()).dirName();

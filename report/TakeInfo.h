@@ -9,9 +9,10 @@
 #include <string>
 #include <vector>
 
+struct BwfMetadata;
+
 /// One take of a sound roll: one file, one row of every report. A plain value; texts are UTF-8 as the file holds
-/// them and become a `QString` only where they are shown. The circled, wild-track and drop-frame flags of a file are
-/// not taken over.
+/// them and become a `QString` only where they are shown. The drop-frame flag of a file is not taken over.
 struct TakeInfo {
     /// Number that the recorder put in front of the first "_" of the file's name, such as "AAD0012"; empty for a name
     /// that doesn't start with "AAD" or holds no "_".
@@ -51,6 +52,10 @@ struct TakeInfo {
     uint16_t bitDepth = 0;
     /// The file has two channels or more.
     bool isPoly = false;
+    /// The take is circled. Shown by the CSV report with flags alone.
+    bool circled = false;
+    /// The take is a wild track. As `circled`.
+    bool wildTrack = false;
 };
 
 /// Those of `paths` that are files now, in their order; others are dropped without a word.
@@ -60,9 +65,17 @@ QList<QFileInfo> filesAmong(const QList<QString>& paths);
 /// walk of app/files/FolderWalk.h it enters no folder below: a roll is one folder. Empty if `folder` can't be read.
 QList<QFileInfo> wavFilesIn(const QString& folder);
 
-/// Reads each file, in the order given, and returns the takes sorted by file number, scene and take, each compared by
-/// its bytes; ties come in no defined order. A file that can't be parsed gives a take of empty texts and zeros; a file
-/// that vanished, or for which anything else throws, gives none. Reads synchronously.
+/// The take of a file whose record is `metadata`. `position` counts from 1 in the order of loading. Touches the file
+/// for its date alone.
+TakeInfo takeOf(const QFileInfo& file, const BwfMetadata& metadata, size_t position);
+
+/// Sorts by file number, scene and take, each compared by its bytes; ties come in no defined order, but in the same one
+/// for the same takes.
+void sortTakes(std::vector<TakeInfo>& takes);
+
+/// Reads each file, in the order given, and returns the takes sorted by `sortTakes`. A file that can't be parsed gives
+/// a take of empty texts and zeros; a file that vanished, or for which anything else throws, gives none. Reads
+/// synchronously.
 std::vector<TakeInfo> readTakes(const QList<QFileInfo>& files);
 
 /// The roll's name for a report over `files`, out of which the sorted `takes` were read: the first tape name of a

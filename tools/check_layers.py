@@ -29,8 +29,10 @@ LAYERS = (
           ("window", "report", "mixer", "app/files", "app/look", "app/settings", "audio", "core",
            "system"), "Widgets",
           "`main`, `TagwellApplication`, `MainMenu`: the program and nothing else"),
-    Layer("cli", ("tagwell_commands", "tagwell-cli"), ("report", "app/files", "app/settings", "core"), "Core",
+    Layer("cli", ("tagwell_commands", "tagwell-cli"), ("cli/pdf", "report", "app/files", "app/settings", "core"), "Core",
           "`tagwell-cli`, the program without a window: one source a command"),
+    Layer("cli/pdf", ("tagwell-pdf",), ("report",), "Gui",
+          "the part of it that prints, a module that is loaded when a PDF is asked for; its header is what both share"),
     Layer("window", ("tagwell_window",),
           ("report", "mixer", "app/files", "app/look", "app/settings", "core"), "Widgets",
           "`MetadataManagerWindow` and what it is made of"),
@@ -55,7 +57,7 @@ DOCUMENT = "docs/architecture.md"
 PICTURE = "docs/pictures/layers.svg"
 # Where the picture has each folder: column and row of a grid, chosen so that no arrow runs through a box.
 PLACES = {
-    "app": (3, 0), "window": (3, 1), "cli": (5, 1), "mixer": (2, 2), "report": (4, 2),
+    "app": (3, 0), "window": (3, 1), "cli": (5, 0), "cli/pdf": (5, 1), "mixer": (2, 2), "report": (4, 2),
     "audio": (0, 3), "core": (2, 3), "app/files": (4, 3), "app/settings": (6, 3), "app/look": (4, 4), "system": (2, 4),
 }
 BEGIN, END = "<!-- layers -->", "<!-- end of layers -->"

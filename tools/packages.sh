@@ -10,7 +10,8 @@ PACKAGES_DESKTOP="xvfb openbox xdotool x11-utils imagemagick dbus at-spi2-core g
 PACKAGES_PICTURES="mount util-linux"
 PACKAGES_TEST="libgtest-dev clang strace ffmpeg libimage-exiftool-perl qpdf poppler-utils pulseaudio pulseaudio-utils
   python3 util-linux e2fsprogs mount procps locales binutils
-  appstream desktop-file-utils man-db mandoc dpkg-dev bash zsh fish flatpak-builder"
+  appstream desktop-file-utils man-db mandoc dpkg-dev bash bash-completion zsh fish flatpak-builder
+  jq sqlite3"
 # To make a Debian package, and to check it.
 PACKAGES_DEB="dpkg-dev"
 PACKAGES_DEB_CHECK="lintian ccache"

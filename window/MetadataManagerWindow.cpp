@@ -51,6 +51,8 @@ void MetadataManagerWindow::setupUI()
     filesSplitter->setStretchFactor(0, 1);
     filesSplitter->setStretchFactor(1, 2);
     setTabOrders();
+    // Qt would begin with what was made first.
+    fileTable->setFocus();
 
     keepSizesOf(filesSplitter);
     keepSizesOf(detailSplitter);

@@ -1,2 +1,2 @@
 # WAV files and the folders on the way to them are all that tagwell takes.
-complete -c tagwell -k -xa '(__fish_complete_suffix .wav .WAV)'
+complete -c tagwell -xa '(complete -C "./any_file "(commandline -ct) | string replace -r "\t.*" "" | string match -ri ".*(?:\.wav|/)(?!.)")'

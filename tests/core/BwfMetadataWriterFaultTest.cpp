@@ -140,7 +140,7 @@ protected:
     bool faultHappened = false;
     std::string access = "read-write"; ///< How the file is open when the fault happens.
     std::string path = folder.file("take.wav");
-    std::string driver = SAVE_DRIVER;
+    std::string driver = SAVE_METADATA_DRIVER;
     WavBuilder builder;
     std::unique_ptr<FileProof> proof;
 };

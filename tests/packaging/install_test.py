@@ -15,6 +15,7 @@ PROGRAMS = [path.name[:-len(".1.in")] for path in (SOURCE / "packaging" / "man")
 INSTALLED = {
     "libexec/tagwell/tagwell",
     "libexec/tagwell/fader.png",
+    "libexec/tagwell/tagwell-pdf.so",
     "share/tagwell/fader.png",
     "share/applications/" + ID + ".desktop",
     "share/metainfo/" + ID + ".metainfo.xml",
@@ -65,11 +66,22 @@ class Install(unittest.TestCase):
         self.assertTrue((moved / "bin" / "tagwell").exists())
         self.assertTrue((moved / "libexec" / "tagwell" / "fader.png").exists())
 
-    def theProgramHasNoRunPath(self):
+    def theProgramsHaveNoRunPath(self):
         self.install(self.prefix)
-        dynamic = run("readelf", "-d", self.prefix / "libexec" / "tagwell" / "tagwell").stdout
-        self.assertIn("(NEEDED)", dynamic)
-        self.assertNotRegex(dynamic, r"\((RUNPATH|RPATH)\)")
+        for program in [*("bin/" + program for program in PROGRAMS), "libexec/tagwell/tagwell-pdf.so"]:
+            dynamic = run("readelf", "-d", self.prefix / program).stdout
+            self.assertIn("(NEEDED)", dynamic)
+            self.assertNotRegex(dynamic, r"\((RUNPATH|RPATH)\)")
+
+    def theCommandLinePrintsWhereverTheTreeIs(self):
+        self.install(self.prefix)
+        moved = self.prefix.rename(self.folder / "moved")
+        day, sheet = self.folder / "day", self.folder / "day.pdf"
+        subprocess.run([os.environ["TAGWELL_DEMO_RECORDINGS"], day], check=True)
+        done = run(moved / "bin" / "tagwell-cli", "report", "--format", "pdf", "-o", sheet, day,
+                   environment={"HOME": str(self.folder), "DISPLAY": "", "WAYLAND_DISPLAY": ""})
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "", ""))
+        self.assertIn("Notes: Good for sound", run("pdftotext", sheet, "-").stdout)
 
     def honoursDestdirAndUninstallLeavesNothing(self):
         stage = self.folder / "stage"

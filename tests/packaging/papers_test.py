@@ -60,8 +60,8 @@ class Papers(unittest.TestCase):
         self.assertEqual(root.findtext("icon"), entry["Icon"])
         self.assertEqual(root.findtext("name"), entry["Name"])
         self.assertLessEqual(len(root.findtext("summary")), 35)
-        self.assertEqual([binary.text for binary in root.iter("binary")],
-                         [page.name[:-len(".1.gz")] for page in MAN_PAGES])
+        self.assertEqual(sorted(binary.text for binary in root.iter("binary")),
+                         sorted(page.name[:-len(".1.gz")] for page in MAN_PAGES))
         for kind in root.iter("mediatype"):
             self.assertIn(kind.text, entry["MimeType"].split(";"))
 
@@ -100,8 +100,9 @@ class Papers(unittest.TestCase):
     def completionsParse(self):
         checks = {".bash": ("bash", "-n"), ".zsh": ("zsh", "-n"), ".fish": ("fish", "--no-execute")}
         for program in (page.name[:-len(".1.gz")] for page in MAN_PAGES):
+            folder = PAPERS if program == "tagwell-cli" else SOURCE / "packaging" / "completions"
             for suffix, check in checks.items():
-                done = run(*check, SOURCE / "packaging" / "completions" / (program + suffix))
+                done = run(*check, folder / (program + suffix))
                 self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "", ""))
 
     def bashCompletesWavFilesAndFolders(self):
@@ -144,7 +145,7 @@ class Version(unittest.TestCase):
         (folder / "CHANGELOG.md").write_text(changelog, encoding="utf-8")
         return run(SOURCE / "packaging" / "papers.py", "--version", VERSION, "--homepage", "https://example.org",
                    "--maintainer", "A <a@example.org>", "--docs", "/usr/share/doc/tagwell", "--source", folder,
-                   "--out", folder / "out", "tagwell"), folder / "out"
+                   "--commands", BUILD / "packaging" / "commands.json", "--out", folder / "out", "tagwell"), folder / "out"
 
     def standsInOnePlace(self):
         """No file states the version but the one that the build reads it from, and the list of releases."""

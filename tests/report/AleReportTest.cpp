@@ -61,7 +61,7 @@ protected:
         return readBytes(folder.file("report.ale"));
     }
 
-    QStringList dataLine(const std::string& name, const TakeFile& file)
+    QStringList dataLine(const std::string& name, const Recording& file)
     {
         const AleFile ale = strictlyRead(report({ addTake(name, file) }));
         return ale.data.size() == 1 ? ale.data.first() : QStringList(13);
@@ -72,13 +72,15 @@ protected:
 
 TEST_F(AleReport, aPlainTakeGivesExactlyTheseBytes)
 {
-    const TakeFile file{ .scene = "12A",
+    const Recording file{ .scene = "12A",
         .take = "3",
         .tape = "ROLL7",
         .note = "good",
-        .tracks = { "Boom", "Lav" },
+        .frameRate = "25/1",
         .timeReference = 48000ull * 3723,
+        .timestampRate = 48000,
         .channels = 2,
+        .trackNames = { "Boom", "Lav" },
         .seconds = 30 };
     EXPECT_EQ(report({ addTake("take3.wav", file) }),
         headingSection("48kHz 24-bit", "25.000") + kColumnSection
@@ -92,7 +94,7 @@ TEST_F(AleReport, aListWithoutTakesGivesTheDefaultHeadingAndNoData)
 
 TEST_F(AleReport, theUsualFirstTakeGivesTheSameHeadingAsTheDefaults)
 {
-    const std::string text = report({ addTake("a.wav", { .timecodeRate = "23.976" }) });
+    const std::string text = report({ addTake("a.wav", { .frameRate = "23.976" }) });
     const std::string heading = headingSection("48kHz 24-bit", "23.976");
     EXPECT_EQ(text.substr(0, heading.size()), heading);
 }
@@ -112,7 +114,7 @@ TEST_F(AleReport, aFileWithoutMetadataGivesZerosAndEmptyFields)
 
 TEST_F(AleReport, aFirstTakeWithoutFrameRateGivesZeroFps)
 {
-    EXPECT_EQ(strictlyRead(report({ addTake("a.wav", { .timecodeRate = "" }) })).heading["FPS"], "0.000");
+    EXPECT_EQ(strictlyRead(report({ addTake("a.wav", { .frameRate = "" }) })).heading["FPS"], "0.000");
 }
 
 TEST_F(AleReport, theNameLosesOnlyAFinalWav)
@@ -142,8 +144,8 @@ TEST_F(AleReport, nothingIsQuoted)
 TEST_F(AleReport, mixedRatesKeepTheirOwnColumnsUnderTheFirstTakesHeading)
 {
     const AleFile ale = strictlyRead(report({
-        addTake("a.wav", { .scene = "2", .timecodeRate = "24", .sampleRate = 96000, .bits = 32 }),
-        addTake("b.wav", { .scene = "1", .timecodeRate = "25", .sampleRate = 48000, .bits = 24 }),
+        addTake("a.wav", { .scene = "2", .frameRate = "24", .sampleRate = 96000, .bits = 32 }),
+        addTake("b.wav", { .scene = "1", .frameRate = "25", .sampleRate = 48000, .bits = 24 }),
     }));
     EXPECT_EQ(ale.heading["AUDIO_FORMAT"], "48kHz 24-bit");
     EXPECT_EQ(ale.heading["FPS"], "25.000");
@@ -154,8 +156,8 @@ TEST_F(AleReport, mixedRatesKeepTheirOwnColumnsUnderTheFirstTakesHeading)
 
 TEST_F(AleReport, aStrictReaderFindsEveryColumn)
 {
-    const AleFile ale = strictlyRead(
-        report({ addTake("\xC3\x84.wav", { .scene = "\xE6\x97\xA5", .take = "1", .tape = "R\xC3\xB6lle" }) }));
+    const AleFile ale = strictlyRead(report({ addTake("\xC3\x84.wav",
+        { .scene = "\xE6\x97\xA5", .take = "1", .tape = "R\xC3\xB6lle", .frameRate = "25/1", .channels = 1 }) }));
     EXPECT_EQ(ale.columns, kColumns);
     ASSERT_EQ(ale.data.size(), 1);
     EXPECT_EQ(ale.data[0],
@@ -177,8 +179,7 @@ TEST_F(AleReport, aCommaLocaleChangesNothing)
     const CommaLocale comma;
     if (!comma.works())
         GTEST_SKIP() << "no locale with a decimal comma on this machine";
-    const AleFile ale
-        = strictlyRead(report({ addTake("a.wav", { .timecodeRate = "24000/1001", .sampleRate = 192000 }) }));
+    const AleFile ale = strictlyRead(report({ addTake("a.wav", { .frameRate = "24000/1001", .sampleRate = 192000 }) }));
     EXPECT_EQ(ale.heading["FPS"], "23.976");
     EXPECT_EQ(ale.heading["AUDIO_FORMAT"], "192kHz 24-bit");
     EXPECT_EQ(ale.data.first().mid(10), (QStringList{ "192000", "24", "23.98nd-C" }));

@@ -21,7 +21,7 @@ protected:
         return readBytes(folder.file("report.csv"));
     }
 
-    std::string line(const TakeFile& file)
+    std::string line(const Recording& file)
     {
         const std::string text = report({ addTake("a.wav", file) });
         EXPECT_EQ(text.substr(0, kHeader.size()), kHeader);
@@ -52,7 +52,13 @@ protected:
 
 TEST_F(CsvReport, aPlainTakeGivesExactlyThisLine)
 {
-    TakeFile file{ .scene = "12", .take = "3", .timeReference = 48000ull * 3723, .seconds = 30 };
+    Recording file{ .scene = "12",
+        .take = "3",
+        .frameRate = "25/1",
+        .timeReference = 48000ull * 3723,
+        .timestampRate = 48000,
+        .channels = 1,
+        .seconds = 30 };
     const std::string text = report({ addTake("take3.wav", file) });
     EXPECT_EQ(text, kHeader + ",take3.wav,12,3,01:02:03:00,01:02:33:00,00:00:30:00,48000,24,25nd-C,1,Mix,\n");
 }
@@ -76,13 +82,14 @@ TEST_F(CsvReport, theFileNumberStandsInFrontAndTheFilenameKeepsItsExtension)
 
 TEST_F(CsvReport, quotesInANoteAreDoubled)
 {
-    EXPECT_EQ(line({ .note = "He said \"cut\", twice" }),
+    EXPECT_EQ(line({ .note = "He said \"cut\", twice", .frameRate = "25/1", .channels = 1 }),
         ",a.wav,,,,,00:00:00:00,48000,24,25nd-C,1,Mix,\"He said \"\"cut\"\", twice\"\n");
 }
 
 TEST_F(CsvReport, aNoteOfSeveralLinesStaysOneField)
 {
-    EXPECT_EQ(line({ .note = "one\ntwo" }), ",a.wav,,,,,00:00:00:00,48000,24,25nd-C,1,Mix,\"one\ntwo\"\n");
+    EXPECT_EQ(line({ .note = "one\ntwo", .frameRate = "25/1", .channels = 1 }),
+        ",a.wav,,,,,00:00:00:00,48000,24,25nd-C,1,Mix,\"one\ntwo\"\n");
     const QList<QStringList> rows = readBack();
     ASSERT_EQ(rows.size(), 2);
     EXPECT_EQ(rows[1].last(), "one\ntwo");
@@ -101,7 +108,7 @@ TEST_F(CsvReport, trackNamesAreJoinedWithSemicolonAndBlank)
 
 TEST_F(CsvReport, trackNamesAreQuotedAsOneField)
 {
-    EXPECT_NE(line({ .tracks = { "Boom", "Lav, spare" } }).find(",2,\"Boom; Lav, spare\","), std::string::npos);
+    EXPECT_NE(line({ .trackNames = { "Boom", "Lav, spare" } }).find(",2,\"Boom; Lav, spare\","), std::string::npos);
 }
 
 TEST_F(CsvReport, takesStandInSortedOrder)
@@ -118,15 +125,15 @@ TEST_F(CsvReport, anIndependentReaderFindsEveryField)
     const QString scene = QString::fromUtf8("\xC3\x9C"
                                             "ber, \"alles\"");
     const QString note = QString::fromUtf8("\xE6\x97\xA5\xE6\x9C\xAC\r\n \ttail\xF0\x9F\x8E\xAC;");
-    const TakeFile file{ .scene = scene.toStdString(),
+    const Recording file{ .scene = scene.toStdString(),
         .take = "3; 4",
         .note = note.toStdString(),
-        .tracks = { "Boom", "\"A\", B" },
-        .timecodeRate = "30000/1001",
-        .timestampRate = 44100,
+        .frameRate = "30000/1001",
         .timeReference = 44100,
+        .timestampRate = 44100,
         .sampleRate = 44100,
         .bits = 16,
+        .trackNames = { "Boom", "\"A\", B" },
         .seconds = 2 };
     report({ addTake("AAD0001_a,b.wav", file) });
     const QList<QStringList> rows = readBack();
@@ -149,7 +156,12 @@ TEST_F(CsvReport, aCommaLocaleChangesNothing)
     const CommaLocale comma;
     if (!comma.works())
         GTEST_SKIP() << "no locale with a decimal comma on this machine";
-    TakeFile file{ .scene = "1", .timecodeRate = "23.976", .timeReference = 48000ull * 3600, .sampleRate = 192000 };
+    Recording file{ .scene = "1",
+        .frameRate = "23.976",
+        .timeReference = 48000ull * 3600,
+        .timestampRate = 48000,
+        .sampleRate = 192000,
+        .channels = 1 };
     EXPECT_EQ(line(file), ",a.wav,1,,01:00:00:00,01:00:00:00,00:00:00:00,192000,24,23.98nd-C,1,Mix,\n");
 }
 

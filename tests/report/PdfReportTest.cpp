@@ -480,7 +480,9 @@ TEST_F(PdfReport, twoHundredTakesFillManyPagesAndAllAreThere)
             { .scene = "SC" + std::to_string(1000 + i),
                 .take = "T" + std::to_string(2000 + i),
                 .note = "remark" + std::to_string(3000 + i),
-                .timeReference = 48000ull * 3600 });
+                .frameRate = "25/1",
+                .timeReference = 48000ull * 3600,
+                .timestampRate = 48000 });
     const QString pdf = print(paths);
     EXPECT_GT(infoOf(pdf, "Pages").toInt(), 5);
     EXPECT_TRUE(infoOf(pdf, "Page size").contains("(A4)"));
@@ -502,7 +504,7 @@ TEST_F(PdfReport, theDetailsComeFromTheSettingsAndTheRoll)
     setSetting("soundreport.soundMixer", "J\xC3\xBCrgen \xC3\x98rsted");
     setSetting("soundreport.mixerPhone", "+49 30 123");
     setSetting("soundreport.mixerEmail", "mixer@example.org");
-    const QString text = textOf(print({ addTake("a.wav", { .tape = "ROLL7", .project = "IGNORED" }) }));
+    const QString text = textOf(print({ addTake("a.wav", { .project = "IGNORED", .tape = "ROLL7" }) }));
     for (const char* part : { "Project: The Show", "Director: A Director", "Sound Mixer: J\xC3\xBCrgen \xC3\x98rsted",
              "Mixer Phone: +49 30 123", "Mixer Email: mixer@example.org", "Producer:", "Sound Roll: ROLL7" })
         EXPECT_TRUE(text.contains(QString::fromUtf8(part))) << part << " in\n" << text.toStdString();
@@ -525,7 +527,7 @@ TEST_F(PdfReport, foreignScriptsAndControlBytesInTextsDoNoHarm)
     const std::string nasty
         = std::string("\x01\x02\x7F \xEF\xBF\xBC \xEF\xB7\x90 \xEF\xB7\x91 \xFF\xFE \xE2\x80\xA9 ", 23)
         + std::string("\0x", 2) + "\xE6\x97\xA5 \xD8\xB3 \xF0\x9F\x8E\xAC";
-    const QString pdf = print({ addTake("a.wav", { .scene = nasty, .note = nasty, .tracks = { nasty } }) });
+    const QString pdf = print({ addTake("a.wav", { .scene = nasty, .note = nasty, .trackNames = { nasty } }) });
     expectSound(pdf);
 }
 
@@ -534,7 +536,7 @@ TEST_F(PdfReport, aCommaLocaleGivesASoundFile)
     const CommaLocale comma;
     if (!comma.works())
         GTEST_SKIP() << "no locale with a decimal comma on this machine";
-    const QString pdf = print({ addTake("a.wav", { .timecodeRate = "23.976", .seconds = 3661 }) });
+    const QString pdf = print({ addTake("a.wav", { .frameRate = "23.976", .seconds = 3661 }) });
     const QString text = textOf(pdf);
     EXPECT_TRUE(text.contains("Frame Rate: 23.98nd-C"));
     EXPECT_TRUE(text.contains("01:01:01"));

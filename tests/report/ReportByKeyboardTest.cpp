@@ -131,7 +131,12 @@ TEST_F(ReportByKeyboard, textsOfFilesLeaveTheDialogsSizeAlone)
     QList<QString> paths;
     for (const std::string& text : { endless, std::string("first\nsecond"), hebrew }) {
         paths.append(addTake("H" + std::to_string(paths.size()) + ".WAV",
-            { .scene = text, .take = text, .tape = text, .project = text, .note = text, .tracks = { text, text } }));
+            { .scene = text,
+                .take = text,
+                .project = text,
+                .tape = text,
+                .note = text,
+                .trackNames = { text, text } }));
     }
     SoundReportDialog dialog(paths, nullptr);
     show(dialog);

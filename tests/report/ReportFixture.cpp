@@ -17,51 +17,6 @@
 
 #include <unistd.h>
 
-namespace {
-
-std::string element(const std::string& name, const std::string& value)
-{
-    return value.empty() ? std::string() : "<" + name + ">" + value + "</" + name + ">";
-}
-
-std::string trackList(const std::vector<std::string>& names)
-{
-    if (names.empty())
-        return {};
-    std::string text = "<TRACK_LIST>";
-    int channel = 1;
-    for (const std::string& name : names)
-        text += "<TRACK><CHANNEL_INDEX>" + std::to_string(channel++) + "</CHANNEL_INDEX><NAME>" + name
-            + "</NAME></TRACK>";
-    return text + "</TRACK_LIST>";
-}
-
-std::string ixmlOf(const TakeFile& file)
-{
-    std::string speed = element("TIMECODE_RATE", file.timecodeRate);
-    if (file.timestampRate != 0)
-        speed += element("TIMESTAMP_SAMPLE_RATE", std::to_string(file.timestampRate));
-    return "<BWFXML>" + element("SCENE", file.scene) + element("TAKE", file.take) + element("TAPE", file.tape)
-        + element("PROJECT", file.project) + element("NOTE", file.note) + "<SPEED>" + speed + "</SPEED>"
-        + trackList(file.tracks) + "</BWFXML>";
-}
-
-} // namespace
-
-void writeTake(const std::string& path, const TakeFile& file)
-{
-    BextFields bext;
-    bext.timeReference = file.timeReference;
-    const uint32_t frameBytes = file.channels * (file.bits / 8u);
-    WavBuilder()
-        .fmt(file.sampleRate, file.channels, file.bits)
-        .bext(bext)
-        .ixml(ixmlOf(file))
-        .data("")
-        .claimSize("data", file.seconds * file.sampleRate * frameBytes)
-        .write(path);
-}
-
 void ReportFixture::SetUp()
 {
     for (const char* key : { "lastRecording.folderPath", "media.saveLocation", "metadata.project",
@@ -72,9 +27,9 @@ void ReportFixture::SetUp()
     setSetting("soundreport.outputFormat", "0");
 }
 
-QString ReportFixture::addTake(const std::string& name, const TakeFile& file)
+QString ReportFixture::addTake(const std::string& name, const Recording& recording)
 {
-    writeTake(folder.file(name), file);
+    recording.fileWithoutAudio().write(folder.file(name));
     return path(name);
 }
 

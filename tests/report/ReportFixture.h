@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/support/Recording.h"
 #include "tests/support/TempFolder.h"
 
 #include <QApplication>
@@ -13,47 +14,20 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <functional>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 class QFileDialog;
 class SoundReportDialog;
-
-/// What a test file says about its take. Empty texts leave their element out.
-struct TakeFile {
-    std::string scene = {};
-    std::string take = {};
-    std::string tape = {};
-    std::string project = {};
-    std::string note = {};
-    /// Name of channel i + 1; empty leaves the track list out.
-    std::vector<std::string> tracks = {};
-    /// TIMECODE_RATE; empty leaves it out.
-    std::string timecodeRate = "25/1";
-    /// TIMESTAMP_SAMPLE_RATE; 0 leaves it out.
-    uint32_t timestampRate = 48000;
-    /// Samples since midnight in the `bext` chunk.
-    uint64_t timeReference = 0;
-    uint32_t sampleRate = 48000;
-    uint16_t channels = 1;
-    uint16_t bits = 24;
-    /// Length that the `data` chunk claims; the file itself stays small.
-    uint32_t seconds = 0;
-};
-
-/// Writes a WAV file with `fmt `, `bext`, `iXML` and an empty `data` chunk that claims its length.
-void writeTake(const std::string& path, const TakeFile& file);
 
 /// A temporary folder, empty settings of the report, and a person's hands on the dialogs.
 class ReportFixture : public testing::Test {
 protected:
     void SetUp() override;
 
-    /// Writes `name` into the folder and returns its absolute path.
-    QString addTake(const std::string& name, const TakeFile& file);
+    /// Writes the recording, without its audio, into the folder and returns its absolute path.
+    QString addTake(const std::string& name, const Recording& recording);
     QString path(const std::string& name) const { return QString::fromStdString(folder.file(name)); }
 
     /// Runs `act` with an empty folder that it may read but not write into, and a file in it of the same kind.

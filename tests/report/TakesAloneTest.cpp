@@ -15,16 +15,22 @@ protected:
         writeBytes(folder.file("junk.wav"), "no recording");
         return {
             addTake("AAD0002_1.WAV",
-                { .scene = "2", .take = "1", .tape = "R1", .tracks = { "Boom", "Lav, \"spare\"" }, .channels = 2 }),
+                { .scene = "2",
+                    .take = "1",
+                    .tape = "R1",
+                    .frameRate = "25/1",
+                    .channels = 2,
+                    .trackNames = { "Boom", "Lav, \"spare\"" } }),
             path("gone.wav"),
             addTake("\xC3\x9C.wav",
                 { .scene = "\xE6\x97\xA5,1",
                     .take = "9",
                     .note = "one\ttwo\r\nthree \xF0\x9F\x8E\xAC",
-                    .timecodeRate = "30000/1001",
+                    .frameRate = "30000/1001",
                     .timeReference = 48000ull * 3723,
+                    .timestampRate = 48000,
                     .seconds = 61 }),
-            addTake("AAD0001_1.wav", { .scene = "10", .timecodeRate = "", .sampleRate = 44100, .bits = 16 }),
+            addTake("AAD0001_1.wav", { .scene = "10", .frameRate = "", .sampleRate = 44100, .bits = 16 }),
             path("junk.wav"),
         };
     }

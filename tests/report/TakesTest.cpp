@@ -20,7 +20,7 @@ protected:
         return readTakes(files);
     }
 
-    TakeInfo readOne(const std::string& name, const TakeFile& file = {})
+    TakeInfo readOne(const std::string& name, const Recording& file = {})
     {
         const std::vector<TakeInfo> takes = read({ addTake(name, file) });
         return takes.size() == 1 ? takes.front() : TakeInfo{};
@@ -49,14 +49,16 @@ using Names = std::vector<std::string>;
 
 TEST_F(Takes, everyFieldComesFromItsPlaceInTheFile)
 {
-    TakeFile file;
+    Recording file;
     file.scene = "12A";
     file.take = "3";
     file.tape = "ROLL7";
     file.project = "Doc";
     file.note = "plane at the end";
-    file.tracks = { "Boom", "Lav" };
+    file.trackNames = { "Boom", "Lav" };
+    file.frameRate = "25/1";
     file.timeReference = 48000ull * 3723;
+    file.timestampRate = 48000;
     file.channels = 2;
     file.seconds = 30;
     const TakeInfo take = readOne("AAD0012_01.wav", file);
@@ -93,7 +95,7 @@ TEST_F(Takes, theFileDateIsTheModificationTime)
 
 TEST_F(Takes, aMonoFileIsNotPoly)
 {
-    EXPECT_FALSE(readOne("a.wav").isPoly);
+    EXPECT_FALSE(readOne("a.wav", { .channels = 1 }).isPoly);
 }
 
 TEST_F(Takes, noFilesGiveNoTakes)
@@ -188,13 +190,13 @@ TEST_F(Takes, theFileNumberDecidesBeforeTheScene)
 
 TEST_F(Takes, filesOfOneTakeAreNotGrouped)
 {
-    const TakeFile same{ .scene = "1", .take = "1" };
+    const Recording same{ .scene = "1", .take = "1" };
     EXPECT_EQ(read({ addTake("AAD0001_1.wav", same), addTake("AAD0001_2.wav", same) }).size(), 2u);
 }
 
 TEST_F(Takes, aMonoFileWithoutTrackMetadataHasTheTrackMix)
 {
-    EXPECT_EQ(readOne("a.wav").tracks, Names{ "Mix" });
+    EXPECT_EQ(readOne("a.wav", { .channels = 1 }).tracks, Names{ "Mix" });
 }
 
 TEST_F(Takes, aFileOfThreeChannelsWithoutTrackMetadataHasMixAndNumberedTracks)
@@ -217,33 +219,35 @@ TEST_F(Takes, tracksStandInOrderOfChannelThenNameAndEmptyOnesStay)
 
 TEST_F(Takes, aRecordingThatStartsAtMidnightHasNoTimecode)
 {
-    const TakeInfo take = readOne("a.wav", { .timeReference = 0, .seconds = 10 });
+    const TakeInfo take
+        = readOne("a.wav", { .frameRate = "25/1", .timeReference = 0, .timestampRate = 48000, .seconds = 10 });
     EXPECT_EQ(take.timecodeIn, "");
     EXPECT_EQ(take.timecodeOut, "");
 }
 
 TEST_F(Takes, withoutATimestampRateThereIsNoTimecode)
 {
-    const TakeInfo take = readOne("a.wav", { .timestampRate = 0, .timeReference = 48000 });
+    const TakeInfo take = readOne("a.wav", { .frameRate = "25/1", .timeReference = 48000, .timestampRate = 0 });
     EXPECT_EQ(take.timecodeIn, "");
     EXPECT_EQ(take.timecodeOut, "");
 }
 
 TEST_F(Takes, withoutAFrameRateThereIsNoTimecode)
 {
-    const TakeInfo take = readOne("a.wav", { .timecodeRate = "", .timeReference = 48000 });
+    const TakeInfo take = readOne("a.wav", { .frameRate = "", .timeReference = 48000, .timestampRate = 48000 });
     EXPECT_EQ(take.timecodeIn, "");
     EXPECT_EQ(take.timecodeOut, "");
 }
 
 TEST_F(Takes, aNegativeFrameRateGivesNoTimecode)
 {
-    EXPECT_EQ(readOne("a.wav", { .timecodeRate = "-25", .timeReference = 48000 }).timecodeIn, "");
+    EXPECT_EQ(readOne("a.wav", { .frameRate = "-25", .timeReference = 48000, .timestampRate = 48000 }).timecodeIn, "");
 }
 
 TEST_F(Takes, timecodeCountsInTheTimestampRateAndNotInTheAudioRate)
 {
-    const TakeInfo take = readOne("a.wav", { .timestampRate = 48048, .timeReference = 48048ull * 100, .seconds = 10 });
+    const TakeInfo take = readOne(
+        "a.wav", { .frameRate = "25/1", .timeReference = 48048ull * 100, .timestampRate = 48048, .seconds = 10 });
     EXPECT_EQ(take.timecodeIn, "00:01:40:00");
     EXPECT_EQ(take.timecodeOut, "00:01:50:00");
 }

@@ -19,6 +19,18 @@ std::string trackList(const Recording& recording)
     return element("TRACK_LIST", tracks);
 }
 
+// All chunks in front of the audio.
+WavBuilder headOf(const Recording& recording)
+{
+    BextFields bext;
+    bext.timeReference = recording.timeReference;
+    WavBuilder builder;
+    builder.fmt(recording.sampleRate, recording.channels, recording.bits);
+    if (recording.withBext)
+        builder.bext(bext);
+    return builder.ixml(recording.ixml());
+}
+
 } // namespace
 
 Recording Recording::usual()
@@ -49,13 +61,13 @@ std::string Recording::ixml() const
 
 WavBuilder Recording::file() const
 {
-    BextFields bext;
-    bext.timeReference = timeReference;
-    WavBuilder builder;
-    builder.fmt(sampleRate, channels, 24);
-    if (withBext)
-        builder.bext(bext);
-    return builder.ixml(ixml()).dataFrames(frames != 0 ? frames : sampleRate);
+    return headOf(*this).dataFrames(frames != 0 ? frames : sampleRate);
+}
+
+WavBuilder Recording::fileWithoutAudio() const
+{
+    const uint32_t frameBytes = channels * (bits / 8u);
+    return headOf(*this).data("").claimSize("data", seconds * sampleRate * frameBytes);
 }
 
 ByteRange Recording::descriptionRange() const

@@ -23,10 +23,12 @@ struct Recording {
     uint32_t timestampRate = 0;
     uint32_t sampleRate = 48000;
     uint16_t channels = 2;
+    uint16_t bits = 24;
     std::vector<std::string> trackNames{}; ///< By channel, from 1.
     std::string function{}; ///< Of each track; if empty, F1, F2 and so on.
     bool withBext = true;
     uint32_t frames = 0; ///< 0 for a second.
+    uint32_t seconds = 0; ///< What `fileWithoutAudio` claims to hold.
 
     /// A take with a start time and two tracks, that says something in each field: 12A, 01, Alpha, R01, "first".
     /// "FALSE" is longer than "TRUE", so that it can be circled in place but not uncircled; it has no WILD_TRACK.
@@ -35,6 +37,8 @@ struct Recording {
     std::string ixml() const;
     /// `fmt `, `bext`, `iXML` and `data`.
     WavBuilder file() const;
+    /// The same without a byte of audio; `data` claims a length of `seconds`, so that a long take stays small.
+    WavBuilder fileWithoutAudio() const;
 
     // Where things lie in the file.
     ByteRange descriptionRange() const;

@@ -113,6 +113,15 @@ TEST_F(WindowByKeyboard, tabGoesRoundThePanelThatAddsAndEveryControlOfItHasAName
     EXPECT_EQ(KeyboardWalk::namelessControls(panel), QStringList());
 }
 
+TEST_F(WindowByKeyboard, theListHasTheKeyboardFirst)
+{
+    addThree();
+    show();
+    EXPECT_TRUE(table()->hasFocus());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+    EXPECT_EQ(text("sceneEdit"), "A.WAV");
+}
+
 TEST_F(WindowByKeyboard, theFirstDownGoesToTheFirstRow)
 {
     show();

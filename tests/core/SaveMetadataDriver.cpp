@@ -1,5 +1,5 @@
 // Saves one edit of one file and says by its exit code how that went, for tests that kill it, starve it or run it as
-// somebody else: saveDriver FILE [FIELD=VALUE]...
+// somebody else: SaveMetadataDriver FILE [FIELD=VALUE]...
 // Flags that are not given are wanted as false. The file is opened by nothing but the save. Exit code 0: true, 1:
 // false, 2: an exception, 3: bad arguments.
 
