@@ -186,7 +186,10 @@ void FilePlaybackMixerDialog::addWaveform(QVBoxLayout* rows)
     // A file without a way to be heard may still be seen, so this doesn't ask for the player.
     waveform->loadFile(filePath.toStdString());
     connect(waveform, &WaveformWidget::seekRequested, this, &FilePlaybackMixerDialog::onWaveformSeek);
-    connect(waveform, &WaveformWidget::stepRequested, this, &FilePlaybackMixerDialog::stepBy);
+    connect(waveform, &WaveformWidget::stepRequested, this, [this](double seconds) {
+        if (player && player->durationSeconds() > 0.0)
+            onWaveformSeek((player->positionSeconds() + seconds) / player->durationSeconds());
+    });
     rows->addWidget(waveform);
 }
 

@@ -72,8 +72,6 @@ private:
     void updateTransportUi();
 
     void openPlayer();
-    /// Goes on by so many seconds, or back, within the file.
-    void stepBy(double seconds);
     void addHeader(QVBoxLayout* rows);
     void addTransportRow(QVBoxLayout* rows);
     void addTimecodeRow(QVBoxLayout* rows);
