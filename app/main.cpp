@@ -2,6 +2,7 @@
 #include "app/TagwellApplication.h"
 #include "app/files/NativeFilePanel.h"
 #include "app/files/WavArguments.h"
+#include "app/look/FocusMark.h"
 #include "app/look/Theme.h"
 #include "app/settings/ConfigManager.h"
 #include "window/MetadataManagerWindow.h"
@@ -54,6 +55,7 @@ int main(int argc, char** argv)
 {
     keepQuiet();
     TagwellApplication application(argc, argv);
+    const FocusMark focusMark(application);
     setIdentity();
     loadSettings();
 

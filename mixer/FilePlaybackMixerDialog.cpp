@@ -1,5 +1,6 @@
 #include "mixer/FilePlaybackMixerDialog.h"
 
+#include "app/look/ElidedLabel.h"
 #include "app/look/Named.h"
 #include "app/look/Theme.h"
 #include "audio/TagwellAudioPlayer.h"
@@ -7,6 +8,7 @@
 #include "core/Timecode.h"
 #include "mixer/FaderSlider.h"
 #include "mixer/MeterWidget.h"
+#include "mixer/MixerAccessibility.h"
 #include "mixer/MixerColours.h"
 #include "mixer/TransportIcon.h"
 #include "mixer/WaveformWidget.h"
@@ -69,6 +71,11 @@ QPushButton* makeTransportButton(const char* name, QStyle::StandardPixmap icon, 
     return button;
 }
 
+QString frameRateText(double rate, bool isDropFrame)
+{
+    return QString::fromStdString(Timecode::formatFrameRate(rate, isDropFrame));
+}
+
 } // namespace
 
 FilePlaybackMixerDialog::FilePlaybackMixerDialog(
@@ -87,6 +94,7 @@ FilePlaybackMixerDialog::FilePlaybackMixerDialog(
     setMinimumSize(520, 460);
     resize(720, 560);
     setStyleSheet(Theme::filledMainStyleSheet());
+    installMixerAccessibility();
     openPlayer();
     setupUi(trackNames);
 }
@@ -126,7 +134,7 @@ void FilePlaybackMixerDialog::setupUi(const QList<QString>& trackNames)
 
 void FilePlaybackMixerDialog::addHeader(QVBoxLayout* rows)
 {
-    titleLabel = makeLabel("titleLabel", QFileInfo(filePath).fileName(), this);
+    titleLabel = named("titleLabel", new ElidedLabel(QFileInfo(filePath).fileName(), 1, this));
     titleLabel->setStyleSheet(QString::fromLatin1(kTitleStyle).arg(QLatin1String(Theme::kTextPrimary)));
     rows->addWidget(titleLabel);
 
@@ -157,10 +165,14 @@ void FilePlaybackMixerDialog::addTimecodeRow(QVBoxLayout* rows)
     timecodeLabel->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     timecodeLabel->setStyleSheet(QString::fromLatin1(kTimecodeStyle).arg(QLatin1String(kTimecodeColour)));
 
-    const QString rate = frameRate > 0.0 ? frameRateText() : QString::fromLatin1(kNoFrameRate);
+    const QString rate = frameRate > 0.0 ? frameRateText(frameRate, dropFrame) : QString::fromLatin1(kNoFrameRate);
     frameRateBadge = makeLabel("frameRateBadge", rate, this);
     frameRateBadge->setStyleSheet(
         QString::fromLatin1(kBadgeStyle).arg(QLatin1String(Theme::kDanger), QLatin1String(Theme::kDangerBorder)));
+
+    // The name takes the place of the text, which says nothing by itself.
+    frameRateBadge->setAccessibleName(QStringLiteral("Frame rate"));
+    frameRateBadge->setAccessibleDescription(rate);
 
     auto* row = new QHBoxLayout;
     row->addWidget(timecodeLabel);
@@ -179,12 +191,16 @@ void FilePlaybackMixerDialog::addWaveform(QVBoxLayout* rows)
     // A file without a way to be heard may still be seen, so this doesn't ask for the player.
     waveform->loadFile(filePath.toStdString());
     connect(waveform, &WaveformWidget::seekRequested, this, &FilePlaybackMixerDialog::onWaveformSeek);
+    connect(waveform, &WaveformWidget::stepRequested, this, &FilePlaybackMixerDialog::stepBy);
     rows->addWidget(waveform);
 }
 
 void FilePlaybackMixerDialog::addStrips(QVBoxLayout* rows, const QList<QString>& trackNames)
 {
     stripScroll = named("stripScroll", new QScrollArea(this));
+    stripScroll->setAccessibleName(QStringLiteral("Tracks"));
+    // It has nothing to press, and scrolls to whatever control inside gets the keyboard.
+    stripScroll->setFocusPolicy(Qt::NoFocus);
     stripScroll->setWidgetResizable(true);
     stripScroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     stripScroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -242,11 +258,6 @@ void FilePlaybackMixerDialog::startTimer()
     uiTimer->start();
 }
 
-QString FilePlaybackMixerDialog::frameRateText() const
-{
-    return QString::fromStdString(Timecode::formatFrameRate(frameRate, dropFrame));
-}
-
 QString FilePlaybackMixerDialog::infoText() const
 {
     if (!player)
@@ -257,6 +268,6 @@ QString FilePlaybackMixerDialog::infoText() const
                            player->formatCode() == kFormatFloat ? QStringLiteral("IEEE float") : QStringLiteral("PCM"),
                            formatTime(player->durationSeconds()));
     if (frameRate > 0.0)
-        text += QStringLiteral(u" \u00b7 %1").arg(frameRateText());
+        text += QStringLiteral(u" \u00b7 %1").arg(frameRateText(frameRate, dropFrame));
     return text;
 }

@@ -72,6 +72,8 @@ private:
     void updateTransportUi();
 
     void openPlayer();
+    /// Goes on by so many seconds, or back, within the file.
+    void stepBy(double seconds);
     void addHeader(QVBoxLayout* rows);
     void addTransportRow(QVBoxLayout* rows);
     void addTimecodeRow(QVBoxLayout* rows);
@@ -88,7 +90,6 @@ private:
     QLayout* makeButtonRow(ChannelStrip& strip, int track, const QString& name);
     void connectStrip(int track);
     QString infoText() const;
-    QString frameRateText() const;
     void showPosition(double seconds, double durationSeconds);
 
     const double frameRate; // Timecode frames per second; 0.0 or less means that there is no timecode.

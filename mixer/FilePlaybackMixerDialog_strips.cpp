@@ -1,13 +1,14 @@
 #include "mixer/FilePlaybackMixerDialog.h"
 
+#include "app/look/ElidedLabel.h"
 #include "app/look/Named.h"
 #include "app/look/PlainToolTip.h"
 #include "app/look/Theme.h"
 #include "audio/TagwellAudioPlayer.h"
+#include "mixer/FaderScale.h"
 #include "mixer/FaderSlider.h"
 #include "mixer/MeterWidget.h"
 #include "mixer/MixerColours.h"
-#include "mixer/TrackNameLabel.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -15,14 +16,8 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
-
-// Fader values are tenths of a decibel. The lowest eleven are silence.
-constexpr int kFaderLowest = -600;
-constexpr int kFaderHighest = 60;
-constexpr int kFaderLowestAudible = -589;
 
 constexpr int kStripWidth = 78;
 constexpr int kStripMargin = 2;
@@ -70,7 +65,9 @@ QString labelStyle(const char* style, int pixels, const char* colour)
 
 QLabel* makeNameLabel(int track, const QString& name, QWidget* strip)
 {
-    auto* label = named(numbered("nameLabel", track), new TrackNameLabel(name, strip));
+    // At most two lines, so that no name pushes the strip's controls out of sight.
+    auto* label = named(numbered("nameLabel", track), new ElidedLabel(name, 2, strip));
+    label->setAlignment(Qt::AlignCenter);
     label->setToolTip(plainToolTip(name));
     label->setStyleSheet(labelStyle(kNameStyle, kNameFontPixels, Theme::kTextPrimary));
     return label;
@@ -91,7 +88,7 @@ FaderSlider* makeFader(int track, const QString& name, QWidget* strip)
 {
     auto* fader = named(numbered("fader", track), new FaderSlider(Qt::Vertical, strip));
     fader->setAccessibleName(QStringLiteral("Fader %1").arg(name));
-    fader->setRange(kFaderLowest, kFaderHighest);
+    fader->setRange(FaderScale::kLowest, FaderScale::kHighest);
     fader->setValue(0);
     fader->setHandleDrawSize(kCapWidth, kCapHeight);
     fader->setMinimumHeight(180);
@@ -115,6 +112,9 @@ QPushButton* makeToggle(const QString& letter, const QString& objectName, const 
     auto* button = named(objectName, new QPushButton(letter, strip));
     button->setAccessibleName(spokenName);
     button->setCheckable(true);
+    const auto sayState = [button](bool on) { button->setAccessibleDescription(QLatin1String(on ? "On" : "Off")); };
+    QObject::connect(button, &QPushButton::toggled, button, sayState);
+    sayState(false);
     button->setFixedSize(28, 22);
     button->setStyleSheet(QString::fromLatin1(kButtonStyle));
     return button;
@@ -193,14 +193,10 @@ void FilePlaybackMixerDialog::applyFader(int track, int sliderValue)
 
 QString FilePlaybackMixerDialog::sliderToDbText(int sliderValue)
 {
-    if (sliderValue < kFaderLowestAudible)
-        return QStringLiteral(u"-\u221e dB");
-    return QStringLiteral("%1 dB").arg(QString::number(sliderValue / 10.0, 'f', 1));
+    return FaderScale::text(sliderValue);
 }
 
 float FilePlaybackMixerDialog::sliderToLinear(int sliderValue)
 {
-    if (sliderValue < kFaderLowestAudible)
-        return 0.0f;
-    return std::pow(10.0f, static_cast<float>(sliderValue) / 10.0f / 20.0f);
+    return FaderScale::gain(sliderValue);
 }

@@ -68,6 +68,13 @@ void FilePlaybackMixerDialog::onWaveformSeek(double ratio)
     showPosition(seconds, duration);
 }
 
+void FilePlaybackMixerDialog::stepBy(double seconds)
+{
+    if (!player || !(player->durationSeconds() > 0.0))
+        return;
+    onWaveformSeek((player->positionSeconds() + seconds) / player->durationSeconds());
+}
+
 void FilePlaybackMixerDialog::onUiTick()
 {
     if (!player)

@@ -56,19 +56,19 @@ MeterWidget::MeterWidget(QWidget* parent) : QWidget(parent)
     setToolTip(QStringLiteral(u"Clip indicator \u2014 clears after 10s, on new take, or click"));
 }
 
-void MeterWidget::setValue(int reading)
+void MeterWidget::setValue(int newReading)
 {
     using namespace MeterBallistics;
     const int32_t peakBefore = peakHold;
     const int levelBefore = static_cast<int>(smoothed);
     const bool clippedBefore = clipped;
 
-    value = clampedReading(reading);
+    value = clampedReading(newReading);
     smoothed = nextLevel(smoothed, value);
     const PeakLine line = nextPeakLine({ peakHold, peakHoldTicks }, value);
     peakHold = line.position;
     peakHoldTicks = line.callsLeft;
-    const Clip clip = nextClip({ clipped, clipTicks }, reading);
+    const Clip clip = nextClip({ clipped, clipTicks }, newReading);
     clipped = clip.on;
     clipTicks = clip.callsLeft;
 

@@ -16,7 +16,7 @@ public:
 
     /// Takes one reading in thousandths of full scale. Levels show clamped to 0 … 1000; the clip threshold of 867
     /// applies to the reading as it comes.
-    void setValue(int reading);
+    void setValue(int newReading);
 
     /// A meter that isn't armed draws a grey bar without peak line and clip indicator; its state moves on all the same.
     void setArmed(bool on);
@@ -26,6 +26,11 @@ public:
 
     /// Clears the clip indicator.
     void clearClip();
+
+    /// The last reading in thousandths of full scale, 0 to 1000.
+    int reading() const { return value; }
+    /// Whether the clip indicator is on.
+    bool isClipped() const { return clipped; }
 
 protected:
     /// A left click clears a clip indicator that is on; every other press goes to the base class.

@@ -4,6 +4,7 @@
 #include "mixer/WaveformGeometry.h"
 
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QLinearGradient>
 #include <QMouseEvent>
 #include <QPainter>
@@ -46,6 +47,7 @@ WaveformWidget::WaveformWidget(QWidget* parent) : QWidget(parent)
     setMaximumHeight(120);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setCursor(Qt::PointingHandCursor);
+    setFocusPolicy(Qt::StrongFocus);
 }
 
 bool WaveformWidget::loadFile(const std::string& path)
@@ -111,9 +113,22 @@ void WaveformWidget::setPlaybackPosition(double position)
 
 void WaveformWidget::mousePressEvent(QMouseEvent* event)
 {
-    if (peaks.empty() || !(duration > 0.0) || event->button() != Qt::LeftButton)
+    if (!canSeek() || event->button() != Qt::LeftButton)
         return;
     emit seekRequested(WaveformGeometry{ width(), height(), peaks.size() }.ratioAt(event->position().x()));
+}
+
+void WaveformWidget::keyPressEvent(QKeyEvent* event)
+{
+    const bool ours = canSeek() && (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    if (ours && event->key() == Qt::Key_Left)
+        emit stepRequested(-kStepSeconds);
+    else if (ours && event->key() == Qt::Key_Right)
+        emit stepRequested(kStepSeconds);
+    else if (ours && event->key() == Qt::Key_Home)
+        emit seekRequested(0.0);
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void WaveformWidget::paintEvent(QPaintEvent*)

@@ -1,6 +1,8 @@
 #include "report/SoundReportDialog.h"
 
 #include "app/look/Named.h"
+#include "app/look/TableColumns.h"
+#include "app/look/TableKeys.h"
 #include "app/settings/ConfigManager.h"
 #include "report/AleReport.h"
 #include "report/CsvReport.h"
@@ -177,6 +179,8 @@ QGroupBox* SoundReportDialog::buildTakesGroup()
     takeTable->horizontalHeader()->setStretchLastSection(true);
     takeTable->setAlternatingRowColors(true);
     keepAlternateRowsDark(*takeTable);
+    setUpTableKeys(*takeTable);
+    fitColumns(*takeTable);
 
     auto* layout = new QVBoxLayout(takesGroup);
     layout->addWidget(takeTable);
@@ -248,7 +252,9 @@ void SoundReportDialog::updateTakeList()
             takeTable->setItem(row, column++, new QTableWidgetItem(cell));
         ++row;
     }
-    takeTable->resizeColumnsToContents();
+    fitColumns(*takeTable);
+    // A current row that wasn't selected goes without a signal of the selection.
+    onTakeSelectionChanged();
 }
 
 void SoundReportDialog::openFolder(const QString& folder)

@@ -1,5 +1,6 @@
 #include "report/TakeDetailsPane.h"
 
+#include "app/look/ElidedLabel.h"
 #include "app/look/Named.h"
 #include "report/ReportTexts.h"
 #include "report/TakeInfo.h"
@@ -12,6 +13,7 @@
 namespace {
 
 constexpr int kMaximumWidth = 400; // Pixels.
+constexpr int kMostLines = 8; // Of a text that wraps; more would push the rows below out of the window.
 constexpr char kNoValue[] = "--";
 constexpr char kNotAvailable[] = "N/A";
 
@@ -68,10 +70,7 @@ TakeDetailsPane::TakeDetailsPane(QWidget* parent) : QGroupBox(QStringLiteral("Ta
     setMaximumWidth(kMaximumWidth);
     auto* detailsLayout = named("detailsLayout", new QFormLayout(this));
     for (const Row& row : kRows) {
-        auto* label = named(row.name, new QLabel(QLatin1String(kNoValue)));
-        // A note may look like markup; it is shown as it stands in the file.
-        label->setTextFormat(Qt::PlainText);
-        label->setWordWrap(row.wraps);
+        auto* label = named(row.name, new ElidedLabel(QLatin1String(kNoValue), row.wraps ? kMostLines : 1));
         detailsLayout->addRow(QLatin1String(row.caption), label);
         valueLabels.push_back(label);
     }

@@ -40,7 +40,7 @@ void DetailPanes::showNone()
     for (QLabel* label : { currentFileLabel, channelsLabel, sampleRateLabel, tcSampleRateLabel, frameRateLabel,
              lengthLabel, samplesSinceMidnightLabel, userBitsLabel, bitDepthLabel })
         label->setText(noValueMark());
-    timecodeButton->setText(noValueMark());
+    showStart(noValueMark());
     for (QLineEdit* edit : { sceneEdit, takeEdit, projectEdit, tapeIdEdit })
         texts.fill(edit, {});
     texts.fill(notesEdit, {});
@@ -66,7 +66,7 @@ void DetailPanes::showOne(const BwfMetadata& record)
     sampleRateLabel->setText(hertzText(record.sampleRate));
     tcSampleRateLabel->setText(rate != 0 ? hertzText(rate) : noValueMark());
     frameRateLabel->setText(frameRateText(record.frameRate));
-    timecodeButton->setText(startTimecodeText(record));
+    showStart(startTimecodeText(record));
     lengthLabel->setText(durationText(record.duration));
     samplesSinceMidnightLabel->setText(
         record.timeReference != 0 ? QString::number(record.timeReference) : noValueMark());
@@ -98,7 +98,7 @@ void DetailPanes::showSeveral(std::span<const BwfMetadata* const> records)
         return r.timestampSampleRate != 0 ? hertzText(r.timestampSampleRate) : noValueMark();
     }));
     frameRateLabel->setText(text([](const BwfMetadata& r) { return frameRateText(r.frameRate); }));
-    timecodeButton->setText(noValueMark());
+    showStart(noValueMark());
     for (QLabel* label : { lengthLabel, samplesSinceMidnightLabel, userBitsLabel, bitDepthLabel })
         label->setText(noValueMark());
     showTracks(trackTable, {});
@@ -141,8 +141,15 @@ BwfMetadata DetailPanes::wanted(const BwfMetadata& record) const
 void DetailPanes::setTypedStart(const QString& text, uint64_t samples)
 {
     pendingTimeReference = samples;
-    timecodeButton->setText(text);
+    showStart(text);
     emit touched();
+}
+
+void DetailPanes::showStart(const QString& text)
+{
+    timecodeButton->setText(text);
+    // Its name says what it is, so the time needs another place where assistive tools find it.
+    timecodeButton->setAccessibleDescription(text);
 }
 
 QString DetailPanes::startText() const

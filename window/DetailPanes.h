@@ -70,6 +70,7 @@ private:
     void showNone();
     void showOne(const BwfMetadata& record);
     void showSeveral(std::span<const BwfMetadata* const> records);
+    void showStart(const QString& text);
 
     // All widgets are children, owned through Qt's parent tree.
     QGroupBox* generalGroup = nullptr;

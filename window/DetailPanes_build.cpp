@@ -1,5 +1,6 @@
 #include "window/DetailPanes.h"
 
+#include "app/look/ElidedLabel.h"
 #include "app/look/Named.h"
 #include "app/look/Theme.h"
 #include "window/FileDragFilter.h"
@@ -23,9 +24,8 @@ constexpr int kNotesMaximumHeight = 100;
 /// Adds a row with a label that shows a value of the selection. The row's text names it for assistive tools.
 QLabel* addValueRow(QFormLayout* form, const char* title, const char* name)
 {
-    auto* value = named(name, new QLabel(noValueMark()));
-    // Values come out of files; one that looks like markup is still a value.
-    value->setTextFormat(Qt::PlainText);
+    // Values come out of files, where nothing bounds their length.
+    auto* value = named(name, new ElidedLabel(noValueMark()));
     form->addRow(QLatin1String(title), value);
     return value;
 }
@@ -108,6 +108,8 @@ void DetailPanes::buildRecordingPane()
     frameRateLabel = addValueRow(recordingForm, "Frame Rate:", "frameRateLabel");
 
     timecodeButton = named("timecodeButton", new QPushButton(noValueMark()));
+    timecodeButton->setAccessibleName(QStringLiteral("Start timecode"));
+    showStart(noValueMark());
     timecodeButton->setFlat(true);
     timecodeButton->setStyleSheet(Theme::timecodeButtonStyleSheet());
     timecodeButton->setCursor(Qt::PointingHandCursor);

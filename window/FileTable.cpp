@@ -1,5 +1,6 @@
 #include "window/FileTable.h"
 
+#include "app/look/TableKeys.h"
 #include "app/look/Theme.h"
 #include "window/FileCellDelegate.h"
 #include "window/FileList.h"
@@ -13,6 +14,7 @@
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QItemSelection>
+#include <QKeyEvent>
 #include <QSignalBlocker>
 #include <QTimer>
 
@@ -52,8 +54,7 @@ FileTable::FileTable(QWidget* parent) : QTableWidget(0, kFileColumnCount, parent
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setDragDropMode(QAbstractItemView::DropOnly);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
-    // Tab leaves the table instead of walking through its cells for ever.
-    setTabKeyNavigation(false);
+    setUpTableKeys(*this);
     verticalHeader()->setVisible(false);
     horizontalHeader()->setStretchLastSection(true);
     horizontalHeader()->setMinimumSectionSize(kSmallestColumnWidth);
@@ -84,6 +85,7 @@ void FileTable::fillRow(int row, const FileList& files)
     setItem(row, kPlayColumn, playItem);
 
     const QFileInfo file(files.path(row));
+    playItem->setData(Qt::AccessibleTextRole, QStringLiteral("Play %1").arg(file.fileName()));
     for (int column = indexOf(FileColumn::FileName); column < kFileColumnCount; ++column) {
         const QString text = fileCellText(static_cast<FileColumn>(column), files.record(row), file);
         setItem(row, column, new QTableWidgetItem(text));
@@ -145,6 +147,24 @@ QList<int> FileTable::selectedRows() const
 bool FileTable::hasSelection() const
 {
     return selectionModel()->hasSelection();
+}
+
+// The key alone: what Qt calls activation is a double click too, which does nothing here.
+void FileTable::keyPressEvent(QKeyEvent* event)
+{
+    const bool plain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (plain && isReturn && currentRow() >= 0) {
+        emit playWanted(currentRow());
+        return;
+    }
+    QTableWidget::keyPressEvent(event);
+}
+
+// A table widget would overwrite cells, and append rows without a file, by what other tables offer to drop.
+QStringList FileTable::mimeTypes() const
+{
+    return {};
 }
 
 void FileTable::attachWaitingPlayButtons()

@@ -16,6 +16,7 @@ struct BwfMetadata;
 /// 1. The rows above `rowsWithPlayButton` have their play button, the others wait for it.
 /// 2. At most one round of buttons is due, however often rows are added.
 ///
+/// Files that are dragged over it go to the window around it; of other programs' rows it takes none.
 /// Thread: main only.
 class FileTable : public QTableWidget {
     Q_OBJECT
@@ -48,8 +49,12 @@ public:
     void attachPlayButton(int row);
 
 signals:
-    /// The play button of `row` was pressed.
+    /// The play button of `row` was pressed, or Return while the row was the current one.
     void playWanted(int row);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    QStringList mimeTypes() const override;
 
 private:
     void fillRow(int row, const FileList& files);

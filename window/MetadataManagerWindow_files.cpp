@@ -153,6 +153,8 @@ void MetadataManagerWindow::onRemoveFile()
     closePlaybackOverlayOfRows(rows);
     files.remove(rows);
     fileTable->takeOutRows(rows);
+    // The button is about to be disabled, and Qt would hand the keyboard on to "Clear".
+    fileTable->setFocus();
     // Row by row the last but one removal would have left a single file in the panes, whose take can be edited.
     if (rows.size() > 1)
         detailSplitter->offerTake();

@@ -60,8 +60,10 @@ void removeScattered(QTableWidget* table, const QList<int>& rows)
     table->setCurrentCell(current, column, QItemSelectionModel::Clear);
 
     const int playColumn = indexOf(FileColumn::Play);
-    for (const int row : rows)
-        table->item(row, playColumn)->setData(PlayColumnItem::kLeavingRole, true);
+    for (const int row : rows) {
+        if (QTableWidgetItem* const item = table->item(row, playColumn))
+            item->setData(PlayColumnItem::kLeavingRole, true);
+    }
     table->model()->sort(playColumn);
     table->model()->removeRows(0, static_cast<int>(rows.size()));
 }

@@ -1,5 +1,7 @@
 #include "window/TrackTable.h"
 
+#include "app/look/TableColumns.h"
+#include "app/look/TableKeys.h"
 #include "app/look/Theme.h"
 #include "core/BwfMetadata.h"
 #include "window/FileTableColumns.h"
@@ -8,6 +10,7 @@
 #include <QHeaderView>
 #include <QTableWidget>
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <utility>
@@ -15,9 +18,9 @@
 namespace {
 
 constexpr std::array<const char*, kTrackColumnCount> kHeaders{ "Interleave", "Channel", "Track Name", "Function" };
-/// Pixels. The last column takes what is left, but never less than it had before; together they fit into a pane of
-/// usual size.
-constexpr std::array<int, kTrackColumnCount> kColumnWidths{ 88, 76, 110, 70 };
+/// Letters of usual width that a name has room for without the hand of the user; the other columns are as wide as their
+/// headings. At usual sizes of the font all of them fit into a pane.
+constexpr int kNameLetters = 14;
 
 /// An item that is there already stays, so that only a text that differs counts as a change.
 void setCell(QTableWidget* table, int row, TrackColumn column, const QString& text)
@@ -50,15 +53,16 @@ QTableWidget* makeTrackTable()
     for (const char* title : kHeaders)
         titles.append(QLatin1String(title));
     table->setHorizontalHeaderLabels(titles);
-    for (int column = 0; column < kTrackColumnCount; ++column)
-        table->setColumnWidth(column, kColumnWidths[static_cast<size_t>(column)]);
     table->horizontalHeader()->setStretchLastSection(true);
     table->verticalHeader()->setVisible(false);
     table->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked);
-    // Outside an open cell editor Tab leaves the table.
-    table->setTabKeyNavigation(false);
+    setUpTableKeys(*table);
     table->setAlternatingRowColors(true);
     table->setStyleSheet(Theme::fileTableStyleSheet());
+    fitColumns(*table);
+    const int nameColumn = indexOf(TrackColumn::Name);
+    const int letters = kNameLetters * table->fontMetrics().averageCharWidth();
+    table->setColumnWidth(nameColumn, std::max(table->columnWidth(nameColumn), letters));
     return table;
 }
 

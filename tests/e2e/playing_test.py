@@ -90,9 +90,12 @@ class Playing(WindowTest):
             return x + width // 2, y + CAP_MARGIN + travel * (FADER_TOP - value) // (FADER_TOP - FADER_BOTTOM)
         self.desktop.drag(centre(start), centre(end))
 
+    def tenths(self, fader):
+        return round(self.desktop.atspi.Value.get_current_value(fader) * 10)
+
     def set_exactly(self, fader, value):
         """Goes the last tenths of a decibel with the arrow keys."""
-        away = value - int(self.desktop.atspi.Value.get_current_value(fader))
+        away = value - self.tenths(fader)
         self.assertLess(abs(away), 30, "the drag came near")
         self.desktop.key(*["Up" if away > 0 else "Down"] * abs(away))
 
@@ -111,7 +114,7 @@ class Playing(WindowTest):
 
         fader = self.desktop.find("slider", "Fader Boom", within=dialog)
         self.drag_fader(fader, 0, -200)
-        if int(self.desktop.atspi.Value.get_current_value(fader)) != -200:
+        if self.tenths(fader) != -200:
             self.set_exactly(fader, -200)
         self.desktop.find("label", "-20.0 dB", within=dialog)
         self.wait_for_level(full - 20)

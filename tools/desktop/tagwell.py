@@ -80,11 +80,11 @@ class Tagwell:
         self.desktop.gone("dialog", "Set New TC Start")
 
     def timecode_button(self):
-        """The one button of its pane; its accessible name is the timecode that it shows."""
-        return self.desktop.find("push button", within=self.desktop.find("panel", "RECORDING INFO"))
+        return self.desktop.find("push button", "Start timecode")
 
     def timecode(self):
-        return self.timecode_button().get_name()
+        """What the button shows, which is its accessible description."""
+        return self.timecode_button().get_description()
 
     def save(self):
         """Saves and returns the text of the box that follows."""
