@@ -71,6 +71,11 @@ QPushButton* makeTransportButton(const char* name, QStyle::StandardPixmap icon, 
     return button;
 }
 
+QString frameRateText(double rate, bool isDropFrame)
+{
+    return QString::fromStdString(Timecode::formatFrameRate(rate, isDropFrame));
+}
+
 } // namespace
 
 FilePlaybackMixerDialog::FilePlaybackMixerDialog(
@@ -160,7 +165,7 @@ void FilePlaybackMixerDialog::addTimecodeRow(QVBoxLayout* rows)
     timecodeLabel->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     timecodeLabel->setStyleSheet(QString::fromLatin1(kTimecodeStyle).arg(QLatin1String(kTimecodeColour)));
 
-    const QString rate = frameRate > 0.0 ? frameRateText() : QString::fromLatin1(kNoFrameRate);
+    const QString rate = frameRate > 0.0 ? frameRateText(frameRate, dropFrame) : QString::fromLatin1(kNoFrameRate);
     frameRateBadge = makeLabel("frameRateBadge", rate, this);
     frameRateBadge->setStyleSheet(
         QString::fromLatin1(kBadgeStyle).arg(QLatin1String(Theme::kDanger), QLatin1String(Theme::kDangerBorder)));
@@ -256,11 +261,6 @@ void FilePlaybackMixerDialog::startTimer()
     uiTimer->start();
 }
 
-QString FilePlaybackMixerDialog::frameRateText() const
-{
-    return QString::fromStdString(Timecode::formatFrameRate(frameRate, dropFrame));
-}
-
 QString FilePlaybackMixerDialog::infoText() const
 {
     if (!player)
@@ -271,6 +271,6 @@ QString FilePlaybackMixerDialog::infoText() const
                            player->formatCode() == kFormatFloat ? QStringLiteral("IEEE float") : QStringLiteral("PCM"),
                            formatTime(player->durationSeconds()));
     if (frameRate > 0.0)
-        text += QStringLiteral(u" \u00b7 %1").arg(frameRateText());
+        text += QStringLiteral(u" \u00b7 %1").arg(frameRateText(frameRate, dropFrame));
     return text;
 }

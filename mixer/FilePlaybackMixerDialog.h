@@ -88,7 +88,6 @@ private:
     QLayout* makeButtonRow(ChannelStrip& strip, int track, const QString& name);
     void connectStrip(int track);
     QString infoText() const;
-    QString frameRateText() const;
     void showPosition(double seconds, double durationSeconds);
 
     const double frameRate; // Timecode frames per second; 0.0 or less means that there is no timecode.
