@@ -44,7 +44,7 @@ LAYERS = (
           "`FilePlaybackMixerDialog`, `FaderSlider`, `MeterWidget`, `WaveformWidget`"),
     Layer("app/files", ("tagwell_walk", "tagwell_files"), ("app/look",), "Widgets",
           "the WAV suffix, the folder walk, command-line arguments; the native file panel and our own"),
-    Layer("app/look", ("tagwell_look",), (), "Widgets", "`Theme` with the style sheets, plain tool tips"),
+    Layer("app/look", ("tagwell_look",), (), "Widgets", "`Theme` with the style sheets, the frame around the keyboard focus, labels for texts of any length, plain tool tips"),
     Layer("app/settings", ("tagwell_settings",), (), "", "`ConfigManager`, the one settings file, and `ReplacementFile`, which writes it"),
     Layer("audio", ("tagwell_audio", "tagwell_audio_output"), ("system",), "",
           "`WavFileReader`, `PlaybackMixer`, `AudioRateConverter`, `TagwellAudioPlayer`"),
