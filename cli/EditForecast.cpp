@@ -283,14 +283,25 @@ private:
             compareFields(forecast.after);
         if (!forecast.ixmlPayload)
             return;
-        // By itself, since the Description fills what the iXML doesn't say.
+        compareEachPlace();
+    }
+
+    /// Each by itself, since the reader fills from the Description what the iXML doesn't say, and hides the rest of it.
+    void compareEachPlace()
+    {
         BwfMetadata alone;
         BwfMetadataReader::parseIxml(*forecast.ixmlPayload, alone);
+        std::vector<std::string BwfMetadata::*> lost;
+        if (forecast.descriptionField && forecast.descriptionMissing == 0)
+            lost = textsLostInDescription(current, wanted);
         for (const SharedText& text : kSharedTexts) {
             const std::string& value = wanted.*text.field;
-            const bool changed = !value.empty() && value != current.*text.field;
-            if (changed && alone.*text.field != value && forecast.after.*text.field == value)
+            if (value.empty() || value == current.*text.field || forecast.after.*text.field != value)
+                continue;
+            if (alone.*text.field != value)
                 obstruct("not-kept", mismatchWords(text.name, "of the iXML"));
+            if (std::find(lost.begin(), lost.end(), text.field) != lost.end())
+                obstruct("not-kept", mismatchWords(text.name, "of the Description"));
         }
     }
 

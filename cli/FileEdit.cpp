@@ -82,11 +82,12 @@ void putDateBack(const std::string& path, const timespec& modified)
 
 /// What must not change.
 struct Untouchables {
-    uint64_t fileBytes = 0;
     std::string audio;
+    uint64_t fileBytes = 0;
 
+    /// Throws FileError, or filesystem_error, as `readAudioSum` does.
     explicit Untouchables(const std::string& path)
-        : fileBytes(std::filesystem::file_size(path)), audio(readAudioSum(path).digits)
+        : audio(readAudioSum(path).digits), fileBytes(std::filesystem::file_size(path))
     {
     }
     bool operator==(const Untouchables&) const = default;
@@ -102,11 +103,12 @@ public:
 
     FileEditResult run()
     {
-        readFile();
-        // The long reading comes before the plan, so that nothing comes between that and the write.
+        // The long reading comes first: what another program writes meanwhile is in the record that the plan is made
+        // of.
         std::optional<Untouchables> before;
         if (manner.verify && !manner.dryRun)
             before.emplace(path);
+        readFile();
         const EditPlan plan = file.plan({ current, wanted.record, start, manner.usePadding });
         takeProblems(plan);
         checkForm(plan);
@@ -241,7 +243,7 @@ private:
         if (written.state == EditWrite::State::NotOpened)
             failToOpen(written.error);
         if (written.state == EditWrite::State::ChangedMeanwhile)
-            throw FileError("changed", "not written: its length changed meanwhile");
+            throw FileError("changed", "not written: it was changed meanwhile");
         throw FileError("write-failed",
             "THE WRITE FAILED: " + std::to_string(written.patchesDone) + " of " + std::to_string(plan.patches.size())
                 + " places are written; look at it before you use it");

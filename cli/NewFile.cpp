@@ -1,6 +1,9 @@
 #include "cli/NewFile.h"
 
+#include "app/files/WavSuffix.h"
 #include "cli/FileRun.h"
+
+#include <QFile>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 
 namespace {
 
@@ -25,6 +29,16 @@ mode_t modeFor(const std::string& target)
     return kUsualMode & ~mask;
 }
 
+/// By its first bytes, or by its name where a recorder had no time to write any.
+bool isRecording(const std::string& path)
+{
+    std::string id(4, '\0');
+    std::ifstream(path, std::ios::binary).read(id.data(), static_cast<std::streamsize>(id.size()));
+    return id == "RIFF" || id == "RF64" || id == "BW64"
+        || hasWavSuffix(QFileInfo(QFile::decodeName(QByteArray::fromStdString(path))));
+}
+
+// An option that swallows the first file of a card (`verify --write *.WAV`) must not cost that take.
 std::string whereLinksLead(const std::string& path)
 {
     std::error_code error;
@@ -32,8 +46,11 @@ std::string whereLinksLead(const std::string& path)
         return path;
     if (!std::filesystem::is_regular_file(path, error))
         throw RunError{ path, "it is no file that could be replaced" };
-    const std::filesystem::path real = std::filesystem::canonical(path, error);
-    return error ? path : real.string();
+    const std::filesystem::path canonical = std::filesystem::canonical(path, error);
+    const std::string real = error ? path : canonical.string();
+    if (isRecording(real))
+        throw RunError{ path, "it is a recording, and none is replaced" };
+    return real;
 }
 
 } // namespace

@@ -8,7 +8,7 @@
 class NewFile {
 public:
     /// Begins it. A file that is there already keeps its permissions; a link goes on leading to its file. Throws
-    /// RunError if the folder can't be written to or `path` is something that a file can't replace.
+    /// RunError if the folder can't be written to, or `path` is a recording or something that a file can't replace.
     explicit NewFile(const std::string& path);
     /// Removes what was written unless it was committed.
     ~NewFile();

@@ -78,10 +78,14 @@ Exit setFromTable(const Arguments& arguments, const std::string& source, Io& io)
     if (namesFiles(arguments)) {
         asked = namedFiles(arguments, io);
         for (const std::string& path : asked.paths) {
-            if (const std::optional<FileKey> key = keyOf(path))
+            if (const std::optional<FileKey> key = keyOf(path)) {
                 allowed.insert(*key);
+                continue;
+            }
+            complain(io, path, "there is no such file");
+            asked.exit = worse(asked.exit, Exit::Found);
         }
-        if (allowed.empty())
+        if (allowed.empty() || asked.exit != Exit::Ok)
             return worse(asked.exit, Exit::Found);
     }
     if (!acceptsFiles(table, source, allowed, io))

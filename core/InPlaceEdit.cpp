@@ -237,14 +237,19 @@ private:
         compareTracks(after, wanted);
     }
 
-    /// A new value must stand in the iXML itself, since the Description fills only what that doesn't say.
+    /// A new value must stand in the iXML itself, since the Description fills only what that doesn't say, and in the
+    /// Description, since what that says otherwise is hidden from the reader.
     void compareTexts(const BwfMetadata& alone, const BwfMetadata& after, const BwfMetadata& wanted)
     {
+        std::vector<std::string BwfMetadata::*> lost;
+        if (changes.bext && result.problems.empty()) // Of a full Description the loss is known.
+            lost = textsLostInDescription(wish.current, wish.updated);
         for (const SharedText& text : kSharedTexts) {
             const std::string& value = wanted.*text.field;
             const bool isChanged = !value.empty() && value != wish.current.*text.field;
             const bool isKept = value.empty() || after.*text.field == value;
-            if (!isKept || (isChanged && alone.*text.field != value))
+            const bool isLost = std::find(lost.begin(), lost.end(), text.field) != lost.end();
+            if (!isKept || isLost || (isChanged && alone.*text.field != value))
                 problem(Kind::NotKept, 0, text.name);
         }
     }
@@ -318,12 +323,12 @@ EditWrite InPlaceFile::write(const EditPlan& plan)
         return result;
     if (!wantsWriting || notWritable)
         return { EditWrite::State::NotOpened, 0, notWritable };
-    if (!hasTheLength(plan))
+    if (!hasTheLength(plan) || !holdsAll(plan, &EditPlan::Patch::before))
         return { EditWrite::State::ChangedMeanwhile, 0, {} };
     while (result.patchesDone < plan.patches.size() && put(plan.patches[result.patchesDone]))
         ++result.patchesDone;
     const bool allDone = result.patchesDone == plan.patches.size();
-    if (!allDone || !hasTheLength(plan) || !holdsAll(plan))
+    if (!allDone || !hasTheLength(plan) || !holdsAll(plan, &EditPlan::Patch::after))
         result.state = EditWrite::State::Failed;
     return result;
 }
@@ -334,10 +339,10 @@ bool InPlaceFile::hasTheLength(const EditPlan& plan)
     return end >= 0 && static_cast<uint64_t>(end) == plan.fileBytes;
 }
 
-bool InPlaceFile::holdsAll(const EditPlan& plan)
+bool InPlaceFile::holdsAll(const EditPlan& plan, std::string EditPlan::Patch::*bytes)
 {
     return std::all_of(plan.patches.begin(), plan.patches.end(),
-        [this](const EditPlan::Patch& patch) { return holds(patch.offset, patch.after); });
+        [this, bytes](const EditPlan::Patch& patch) { return holds(patch.offset, patch.*bytes); });
 }
 
 bool InPlaceFile::holds(uint64_t offset, const std::string& wanted)

@@ -82,7 +82,7 @@ struct EditWrite {
         Written,
         /// The file couldn't be opened for writing, for `error`. It is untouched.
         NotOpened,
-        /// The file has another length than was planned for. It is untouched.
+        /// The file has another length, or other bytes where patches go, than was planned for. It is untouched.
         ChangedMeanwhile,
         /// A write failed, or what was read back is something else; places from `patchesDone` on are unknown.
         Failed,
@@ -115,7 +115,7 @@ public:
 private:
     void open();
     bool hasTheLength(const EditPlan& plan);
-    bool holdsAll(const EditPlan& plan);
+    bool holdsAll(const EditPlan& plan, std::string EditPlan::Patch::*bytes);
     bool holds(uint64_t offset, const std::string& wanted);
     bool put(const EditPlan::Patch& patch);
 

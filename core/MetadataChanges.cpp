@@ -61,3 +61,26 @@ std::string editedDescription(const BwfMetadata& current, const BwfMetadata& upd
     const double rate = current.frameRate > 0.0 ? current.frameRate : kDefaultFrameRate;
     return CantarMetadataParser::buildDescription(wanted, rate);
 }
+
+std::vector<std::string BwfMetadata::*> textsLostInDescription(const BwfMetadata& current, const BwfMetadata& updated)
+{
+    struct Text {
+        std::string BwfMetadata::*field;
+        std::string CantarMetadata::*line;
+    };
+    static constexpr Text kTexts[] = {
+        { &BwfMetadata::scene, &CantarMetadata::scene },
+        { &BwfMetadata::take, &CantarMetadata::take },
+        { &BwfMetadata::tape, &CantarMetadata::tape },
+        { &BwfMetadata::project, &CantarMetadata::tag },
+        { &BwfMetadata::note, &CantarMetadata::note },
+    };
+    const CantarMetadata said = CantarMetadataParser::parseDescription(editedDescription(current, updated));
+    std::vector<std::string BwfMetadata::*> lost;
+    for (const Text& text : kTexts) {
+        const std::string& value = updated.*text.field;
+        if (textChanged(value, current.*text.field) && said.*text.line != value)
+            lost.push_back(text.field);
+    }
+    return lost;
+}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 struct BwfMetadata;
 
@@ -26,3 +27,7 @@ MetadataChanges changesBetween(const BwfMetadata& current, const BwfMetadata& up
 /// not changed, even if the iXML says otherwise; what the parser doesn't know is lost. The rate is the file's, never
 /// the wanted record's. Any thread.
 std::string editedDescription(const BwfMetadata& current, const BwfMetadata& updated);
+
+/// Which of the changed texts a reader of that Description alone doesn't find in it as they were asked for: a line end
+/// inside a text ends its line, and what follows passes for lines of its own. Any thread.
+std::vector<std::string BwfMetadata::*> textsLostInDescription(const BwfMetadata& current, const BwfMetadata& updated);

@@ -223,6 +223,18 @@ TEST_F(Report, targetThatCannotBeWrittenIsTold)
     EXPECT_EQ("tagwell-cli: " + folder.file("none/out") + ": there is no such file\n", result.err);
 }
 
+TEST_F(Report, noReportReplacesARecording)
+{
+    for (const std::string format : { "csv", "ale", "avid-ale", "pdf" }) {
+        const std::string target = files[0].toStdString();
+        const std::string before = readBytes(target);
+        const CliResult result = runCli({ "report", "--format", format, "-o", target, files[1].toStdString() });
+        EXPECT_EQ(Exit::Found, result.exit);
+        EXPECT_EQ("tagwell-cli: " + target + ": it is a recording, and none is replaced\n", result.err);
+        EXPECT_EQ(before, readBytes(target));
+    }
+}
+
 TEST_F(Report, commaLocaleChangesNothing)
 {
     ASSERT_EQ(Exit::Ok, runCli(command("csv")).exit);

@@ -466,6 +466,17 @@ TEST_F(Set, tableMayNameOnlyTheFilesThatWereAskedFor)
     EXPECT_EQ("7", recordOf(other).scene);
 }
 
+TEST_F(Set, fileThatWasAskedForBesidesATableAndIsNotThereEndsTheRunBeforeAnythingIsWritten)
+{
+    const std::string path = put("a.wav");
+    const FileProof proof(path);
+    const CliResult result
+        = set({ "--from-csv", table("path,scene\n" + path + ",7\n"), path, folder.file("gone.wav") });
+    EXPECT_EQ(Exit::Found, result.exit);
+    EXPECT_EQ("tagwell-cli: " + folder.file("gone.wav") + ": there is no such file\n", result.err);
+    EXPECT_EQ("", proof.untouched());
+}
+
 TEST_F(Set, missingTableIsSaid)
 {
     const CliResult result = set({ "--from-csv", tables.file("gone.csv") });

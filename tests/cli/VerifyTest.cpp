@@ -250,6 +250,21 @@ TEST_F(Verify, listThatCannotBeWrittenIsToldBeforeTheWork)
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
 
+TEST_F(Verify, listNeverReplacesARecording)
+{
+    const std::string a = put("a.wav", recording("a"));
+    const std::string other = put("other.bin", recording("b"));
+    writeBytes(folder.file("empty.WAV"), "");
+    fs::create_symlink(a, folder.file("link"));
+    for (const std::string& target : { a, other, folder.file("link"), folder.file("empty.WAV") }) {
+        const std::string before = readBytes(target);
+        const CliResult result = runCli({ "verify", "--write", target, a });
+        EXPECT_EQ(Exit::Found, result.exit);
+        EXPECT_EQ("tagwell-cli: " + target + ": it is a recording, and none is replaced\n", result.err);
+        EXPECT_EQ(before, readBytes(target));
+    }
+}
+
 TEST_F(Verify, listKeepsPermissionsAndLinks)
 {
     const std::string a = put("a.wav", recording("a"));

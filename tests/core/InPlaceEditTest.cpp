@@ -12,6 +12,7 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <fstream>
 #include <random>
 #include <string>
 
@@ -241,6 +242,37 @@ TEST_F(InPlaceEdit, fileThatChangedItsLengthSinceThePlanStaysUntouched)
         EXPECT_EQ(State::ChangedMeanwhile, file.write(made).state);
         EXPECT_EQ("", proof.untouched());
     }
+}
+
+TEST_F(InPlaceEdit, fileThatGotOtherBytesWherePatchesGoSinceThePlanStaysUntouched)
+{
+    putUsual();
+    updated.scene = "13";
+    for (const Place place : { Place::Description, Place::Ixml }) {
+        InPlaceFile file(path, true);
+        EXPECT_TRUE(file.read());
+        const EditPlan made = file.plan({ current, updated, start, false });
+        const EditPlan::Patch* const patch = made.patchOf(place);
+        ASSERT_NE(nullptr, patch);
+        std::fstream other(path, std::ios::in | std::ios::out | std::ios::binary);
+        other.seekp(static_cast<std::streamoff>(patch->offset));
+        other << "somebody else's" << std::flush;
+        const FileProof proof(path);
+        EXPECT_EQ(State::ChangedMeanwhile, file.write(made).state);
+        EXPECT_EQ("", proof.untouched());
+        putUsual();
+        updated.scene = "13";
+    }
+}
+
+TEST_F(InPlaceEdit, textThatTheDescriptionAloneWouldTellOtherwiseIsNotKept)
+{
+    putUsual();
+    updated.note = "wind\naSCENE=99";
+    const EditPlan made = plan(true);
+    ASSERT_EQ(1u, made.problems.size());
+    EXPECT_EQ(Kind::NotKept, made.problems.front().kind);
+    EXPECT_EQ("note", made.problems.front().field);
 }
 
 TEST_F(InPlaceEdit, emptyFileIsNoContainer)
