@@ -52,6 +52,8 @@ constexpr char kScrollBarStyle[]
       "QScrollBar::add-line:horizontal, QScrollBar::sub-line:horizontal { width: 0px; }"
       "QScrollBar::add-page:horizontal, QScrollBar::sub-page:horizontal { background: transparent; }";
 
+constexpr int kBadgeMaximumWidth = 160; // Pixels. Room for any rate in use; its font is in pixels too.
+
 constexpr char kNoTimecode[] = "--:--:--:--";
 constexpr char kNoFrameRate[] = "--";
 
@@ -138,7 +140,8 @@ void FilePlaybackMixerDialog::addHeader(QVBoxLayout* rows)
     titleLabel->setStyleSheet(QString::fromLatin1(kTitleStyle).arg(QLatin1String(Theme::kTextPrimary)));
     rows->addWidget(titleLabel);
 
-    infoLabel = makeLabel("infoLabel", infoText(), this);
+    // A file may claim a rate of hundreds of digits.
+    infoLabel = named("infoLabel", new ElidedLabel(infoText(), 1, this));
     infoLabel->setStyleSheet(QString::fromLatin1(kInfoStyle).arg(QLatin1String(kDimTextColour)));
     rows->addWidget(infoLabel);
 }
@@ -167,6 +170,7 @@ void FilePlaybackMixerDialog::addTimecodeRow(QVBoxLayout* rows)
 
     const QString rate = frameRate > 0.0 ? frameRateText(frameRate, dropFrame) : QString::fromLatin1(kNoFrameRate);
     frameRateBadge = makeLabel("frameRateBadge", rate, this);
+    frameRateBadge->setMaximumWidth(kBadgeMaximumWidth);
     frameRateBadge->setStyleSheet(
         QString::fromLatin1(kBadgeStyle).arg(QLatin1String(Theme::kDanger), QLatin1String(Theme::kDangerBorder)));
 

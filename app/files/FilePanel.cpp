@@ -2,6 +2,7 @@
 
 #include "app/files/FolderModel.h"
 #include "app/look/PlainToolTip.h"
+#include "app/look/TableKeys.h"
 #include "app/look/Theme.h"
 
 #include <QDialogButtonBox>
@@ -126,6 +127,7 @@ QWidget* FilePanel::buildListing()
     placesList->setFixedWidth(kPlacesWidth);
     placesList->setIconSize(kPlaceIconSize); // The styles' icons differ in size, and the names would not line up.
     placesList->installEventFilter(this);
+    beginAtFirstRow(*placesList);
     connect(placesList, &QListWidget::itemClicked, this,
         [this](QListWidgetItem* item) { showFolder(item->data(Qt::UserRole).toString()); });
 
@@ -146,6 +148,7 @@ QWidget* FilePanel::buildListing()
     fileView->header()->resizeSection(FolderModel::NameColumn, kNameWidth);
     fileView->header()->resizeSection(FolderModel::SizeColumn, kSizeWidth);
     fileView->installEventFilter(this);
+    beginAtFirstRow(*fileView);
     // Not `activated`: some desktops send that on a single click, and then no folder could be selected.
     connect(fileView, &QTreeView::doubleClicked, this, &FilePanel::openEntry);
     connect(fileView->selectionModel(), &QItemSelectionModel::selectionChanged, this, &FilePanel::selectionChanged);

@@ -1,5 +1,6 @@
 #include "app/look/TableKeys.h"
 
+#include <QAbstractItemView>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QTableWidget>
@@ -14,28 +15,33 @@ bool movesByRows(const QKeyEvent& event)
     return moves && !(event.modifiers() & Qt::ControlModifier);
 }
 
-/// Installed on a table.
+/// Installed on a view.
 class FirstRowFilter : public QObject {
 public:
-    explicit FirstRowFilter(QTableWidget& owner) : QObject(&owner), table(owner) { }
+    explicit FirstRowFilter(QAbstractItemView& owner) : QObject(&owner), view(owner) { }
 
     bool eventFilter(QObject* watched, QEvent* event) override
     {
-        // Without a current row the next move of the table goes to its first one.
-        if (event->type() == QEvent::KeyPress && movesByRows(*static_cast<QKeyEvent*>(event)) && table.currentRow() == 0
-            && !table.selectionModel()->hasSelection())
-            table.selectionModel()->clearCurrentIndex();
+        // Without a current row the next move of the view goes to its first one.
+        if (event->type() == QEvent::KeyPress && movesByRows(*static_cast<QKeyEvent*>(event))
+            && view.currentIndex().row() == 0 && !view.selectionModel()->hasSelection())
+            view.selectionModel()->clearCurrentIndex();
         return QObject::eventFilter(watched, event);
     }
 
 private:
-    QTableWidget& table;
+    QAbstractItemView& view;
 };
 
 } // namespace
 
+void beginAtFirstRow(QAbstractItemView& view)
+{
+    view.installEventFilter(new FirstRowFilter(view));
+}
+
 void setUpTableKeys(QTableWidget& table)
 {
     table.setTabKeyNavigation(false);
-    table.installEventFilter(new FirstRowFilter(table));
+    beginAtFirstRow(table);
 }

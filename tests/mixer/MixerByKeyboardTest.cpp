@@ -221,3 +221,20 @@ TEST_F(MixerByKeyboard, aLongFileNameLeavesTheDialogsSizesAlone)
     EXPECT_EQ(dialog->size(), QSize(720, 560));
     EXPECT_EQ(dialog->minimumSizeHint().expandedTo(QSize(520, 460)), QSize(520, dialog->minimumSizeHint().height()));
 }
+
+TEST(MixerOfAHostileFile, aRateOfHundredsOfDigitsLeavesTheDialogsSizesAlone)
+{
+    DrivenOutput::reset();
+    TempFolder folder;
+    const std::string path = folder.file("a.wav");
+    WavBuilder().fmt(kRate, 2, 16).dataFrames(kRate).write(path);
+    BwfMetadata metadata;
+    metadata.frameRate = 1e300;
+    FilePlaybackMixerDialog* const dialog
+        = new FilePlaybackMixerDialog(QString::fromStdString(path), { "Boom" }, metadata, nullptr);
+    dialog->show();
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(dialog));
+    EXPECT_EQ(dialog->size(), QSize(720, 560));
+    EXPECT_LE(dialog->minimumSizeHint().width(), 520);
+    delete dialog;
+}

@@ -282,7 +282,8 @@ TEST_F(FilePanelTest, theKeyboardAloneSelectsAndAdds)
 {
     const QList<QString> picked = pick([this](const PanelHands& panel) {
         EXPECT_EQ(panel.dialog->focusWidget(), panel.view());
-        panel.key(Qt::Key_Down); // From "Day 1", which has the keyboard but is not selected, to "Day 2".
+        panel.key(Qt::Key_Down); // To "Day 1", which has the keyboard but is not selected.
+        panel.key(Qt::Key_Down);
         panel.key(Qt::Key_Return);
         EXPECT_EQ(panel.location(), path("Day 2"));
         panel.key(Qt::Key_Backspace);
@@ -292,6 +293,28 @@ TEST_F(FilePanelTest, theKeyboardAloneSelectsAndAdds)
         panel.key(Qt::Key_Return);
     });
     EXPECT_EQ(picked, QList<QString>({ path("Day 2"), path("notes.txt"), path("T1.wav") }));
+}
+
+TEST_F(FilePanelTest, theFirstDownSelectsTheFirstEntryOfEachFolder)
+{
+    const QList<QString> picked = pick([this](const PanelHands& panel) {
+        panel.type(path("Day 2"));
+        EXPECT_EQ(panel.dialog->focusWidget(), panel.view());
+        panel.type(start());
+        panel.key(Qt::Key_Down);
+        panel.key(Qt::Key_Return, Qt::ControlModifier);
+    });
+    EXPECT_EQ(picked, QList<QString>({ path("Day 1") }));
+}
+
+TEST_F(FilePanelTest, theFirstDownInThePlacesGoesToTheFirst)
+{
+    pick([](const PanelHands& panel) {
+        auto* places = panel.widget<QListWidget>("placesList");
+        places->setFocus(Qt::TabFocusReason);
+        panel.key(Qt::Key_Down);
+        EXPECT_TRUE(places->item(0)->isSelected());
+    });
 }
 
 TEST_F(FilePanelTest, ctrlReturnAddsTheSelectedFolderItself)
