@@ -1,5 +1,6 @@
 #include "app/MainMenu.h"
 
+#include "app/look/Named.h"
 #include "window/MetadataManagerWindow.h"
 
 #include <QAction>
@@ -12,16 +13,12 @@ namespace {
 
 QMenu* addMenu(MetadataManagerWindow* window, const QString& title, const char* name)
 {
-    QMenu* menu = window->menuBar()->addMenu(title);
-    menu->setObjectName(QLatin1String(name));
-    return menu;
+    return named(name, window->menuBar()->addMenu(title));
 }
 
 QAction* addEntry(QMenu* menu, const QString& text, const char* name)
 {
-    QAction* entry = menu->addAction(text);
-    entry->setObjectName(QLatin1String(name));
-    return entry;
+    return named(name, menu->addAction(text));
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "core/BwfMetadataReader.h"
 #include "core/IxmlEdit.h"
 #include "core/MetadataChanges.h"
+#include "core/SharedTexts.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -17,8 +18,6 @@
 #include <utility>
 
 namespace {
-
-constexpr uint64_t kMostTimeReference = 20'000'000'000; // The reader takes a greater one for none.
 
 /// The chunks that the writer's search finds. It knows 32 bits of each position, and what the end of the file cuts
 /// fails its stream.
@@ -61,25 +60,6 @@ std::string mismatchWords(const std::string& name, const std::string& place)
 {
     return "the " + name + " wouldn't come out " + place + " as it was asked for";
 }
-
-bool sameUbits(std::string_view first, std::string_view second)
-{
-    const auto plain = [](std::string_view text) { return text.substr(text.starts_with('$') ? 1 : 0); };
-    return plain(first) == plain(second);
-}
-
-struct SharedText {
-    const char* name;
-    std::string BwfMetadata::*field;
-};
-
-constexpr SharedText kSharedTexts[] = {
-    { "scene", &BwfMetadata::scene },
-    { "take", &BwfMetadata::take },
-    { "tape", &BwfMetadata::tape },
-    { "project", &BwfMetadata::project },
-    { "note", &BwfMetadata::note },
-};
 
 /// Goes through the writer's steps in their order and keeps what each would write.
 class Rehearsal {
@@ -262,7 +242,8 @@ private:
         if (forecast.descriptionField && there >= BextLayout::kDescription.size)
             after.description = forecast.descriptionField->substr(0, forecast.descriptionField->find('\0'));
         if (forecast.timeReference && there >= BextLayout::kTimeReference.end())
-            after.timeReference = wanted.timeReference <= kMostTimeReference ? wanted.timeReference : 0;
+            // The reader takes a greater one for none.
+            after.timeReference = wanted.timeReference <= BwfMetadata::kMaxTimeReference ? wanted.timeReference : 0;
         // Of a chunk whose header the end of the file cuts, the reader takes the empty text.
         if (!places.ixml || Places::isTooFar(*places.ixml))
             return;

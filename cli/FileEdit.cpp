@@ -5,6 +5,7 @@
 #include "cli/FileRun.h"
 #include "cli/IxmlForm.h"
 #include "cli/PlainText.h"
+#include "core/SharedTexts.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -19,20 +20,6 @@
 namespace {
 
 using Kind = EditPlan::Problem::Kind;
-
-struct SharedText {
-    const char* name;
-    std::string BwfMetadata::*field;
-};
-
-constexpr SharedText kTexts[] = {
-    { "scene", &BwfMetadata::scene },
-    { "take", &BwfMetadata::take },
-    { "tape", &BwfMetadata::tape },
-    { "project", &BwfMetadata::project },
-    { "note", &BwfMetadata::note },
-    { "ubits", &BwfMetadata::ubits },
-};
 
 std::string bytesWords(uint64_t count)
 {
@@ -260,8 +247,9 @@ private:
     std::string changes() const
     {
         ChangeList list;
-        for (const SharedText& text : kTexts)
+        for (const SharedText& text : kSharedTexts)
             list.text(text.name, current.*text.field, wanted.record.*text.field);
+        list.text("ubits", current.ubits, wanted.record.ubits);
         list.flag("circled", current.circled, wanted.record.circled);
         list.flag("wild", current.wildTrack, wanted.record.wildTrack);
         for (size_t i = 0; i < current.tracks.size(); ++i)

@@ -6,6 +6,7 @@
 #include "core/ChunkList.h"
 #include "core/MetadataChanges.h"
 #include "core/PaddedIxmlEdit.h"
+#include "core/SharedTexts.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -34,25 +35,6 @@ std::string descriptionField(const std::string& text)
     field.resize(BextLayout::kDescription.size, '\0');
     return field;
 }
-
-bool sameUbits(std::string_view first, std::string_view second)
-{
-    const auto plain = [](std::string_view text) { return text.substr(text.starts_with('$') ? 1 : 0); };
-    return plain(first) == plain(second);
-}
-
-struct SharedText {
-    const char* name;
-    std::string BwfMetadata::*field;
-};
-
-constexpr SharedText kSharedTexts[] = {
-    { "scene", &BwfMetadata::scene },
-    { "take", &BwfMetadata::take },
-    { "tape", &BwfMetadata::tape },
-    { "project", &BwfMetadata::project },
-    { "note", &BwfMetadata::note },
-};
 
 /// Reads what the plan needs, builds the patches, and reads the record that they give.
 class Planning {

@@ -1,5 +1,7 @@
 #include "core/Timecode.h"
 
+#include "core/WholeNumber.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -85,18 +87,6 @@ constexpr std::array kNamedRates{
     NamedRate{ 59.94, 59.9, 60.0, "59.94", "59.94" },
     NamedRate{ 60.0, 60.0, 60.0, "60", "60" },
 };
-
-// The whole part of `value`; 0 for a negative number or none at all, the greatest number for what lies beyond.
-uint64_t wholeOf(double value)
-{
-    if (!(value > 0.0))
-        return 0;
-    constexpr auto kGreatest = std::numeric_limits<uint64_t>::max();
-    // The limit itself is no double; the one next to it is 2^64, which no longer fits.
-    if (value >= std::ldexp(1.0, std::numeric_limits<uint64_t>::digits))
-        return kGreatest;
-    return static_cast<uint64_t>(value);
-}
 
 void appendTwoDigitsOf(std::string& text, uint64_t number)
 {

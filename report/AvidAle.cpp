@@ -1,5 +1,6 @@
 #include "report/AvidAle.h"
 
+#include "app/files/WavSuffix.h"
 #include "core/NumberText.h"
 
 #include <QString>
@@ -12,7 +13,6 @@ namespace {
 
 constexpr qsizetype kNameCharacters = 32;
 constexpr std::string_view kLineEnd = "\r\n";
-constexpr std::string_view kSuffix = ".wav";
 
 // In the order of the values below. The last one is never empty, so that no line ends in a tab.
 constexpr std::array<std::string_view, 14> kColumns{ "Name", "Tracks", "Start", "End", "Duration", "Tape", "Scene",
@@ -48,9 +48,7 @@ std::string valueOf(const std::string& text)
 
 std::string clipName(const std::string& fileName)
 {
-    QString name = onOneLine(fileName);
-    if (name.endsWith(QLatin1String(kSuffix.data(), static_cast<qsizetype>(kSuffix.size())), Qt::CaseInsensitive))
-        name.chop(static_cast<qsizetype>(kSuffix.size()));
+    const QString name = withoutWavSuffix(onOneLine(fileName));
     const bool splitsPair = name.size() > kNameCharacters && name[kNameCharacters - 1].isHighSurrogate();
     return name.left(splitsPair ? kNameCharacters - 1 : kNameCharacters).toStdString();
 }

@@ -3,7 +3,6 @@
 #include "app/files/WavSuffix.h"
 #include "report/TakeInfo.h"
 
-#include <QFileInfo>
 #include <QStringList>
 
 #include <algorithm>
@@ -15,7 +14,6 @@ namespace {
 
 constexpr double kFallbackFrameRate = 30.0; // Frames per second of a duration whose rate is unknown.
 constexpr double kDropFrameTolerance = 0.01; // A rate nearer than this to 29.97 or 59.94 gets the drop-frame suffix.
-constexpr qsizetype kWavSuffixLength = 4; // With its dot.
 
 // 2 to the power of 63: the first value past the integers that the truncation below gives.
 constexpr double kSignedLimit = 9223372036854775808.0;
@@ -113,8 +111,5 @@ QString joinedTracks(const TakeInfo& take, const QString& separator)
 
 QString nameWithoutWav(const TakeInfo& take)
 {
-    QString name = QString::fromStdString(take.filename);
-    if (hasWavSuffix(QFileInfo(name)))
-        name.chop(kWavSuffixLength);
-    return name;
+    return withoutWavSuffix(QString::fromStdString(take.filename));
 }

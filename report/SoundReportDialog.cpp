@@ -5,6 +5,7 @@
 #include "app/look/TableKeys.h"
 #include "app/settings/ConfigManager.h"
 #include "report/AleReport.h"
+#include "report/ChosenFile.h"
 #include "report/CsvReport.h"
 #include "report/ReportTexts.h"
 #include "report/SoundReportDocument.h"
@@ -358,15 +359,12 @@ void SoundReportDialog::onCreateReport()
     QFileDialog chooser(nullptr, QStringLiteral("Save Sound Report"), proposal, QLatin1String(format.filter));
     chooser.setAcceptMode(QFileDialog::AcceptSave);
     chooser.setFileMode(QFileDialog::AnyFile);
-    chooser.setOption(QFileDialog::DontUseNativeDialog);
-    if (chooser.exec() != QDialog::Accepted)
-        return;
-    const QStringList chosen = chooser.selectedFiles();
+    const QString chosen = chosenFile(chooser);
     if (chosen.isEmpty())
         return;
 
     const QString formatName = QLatin1String(format.name);
-    if (generateReport(chosen.first()))
+    if (generateReport(chosen))
         showToast(*this, formatName + QLatin1String(" report generated successfully!"));
     else
         showBox(*this, QStringLiteral("Error"),

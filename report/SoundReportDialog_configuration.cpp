@@ -2,6 +2,7 @@
 
 #include "app/look/Named.h"
 #include "app/settings/ConfigManager.h"
+#include "report/ChosenFile.h"
 #include "report/PictureFile.h"
 
 #include <QComboBox>
@@ -73,14 +74,11 @@ void browseForLogo(const QString& storedPath, QLineEdit& logoEdit, QLabel& previ
     QFileDialog chooser(nullptr, QStringLiteral("Select Company Logo"), storedPath,
         QStringLiteral("Images (*.png *.jpg *.jpeg *.bmp *.gif)"));
     chooser.setFileMode(QFileDialog::ExistingFile);
-    chooser.setOption(QFileDialog::DontUseNativeDialog);
-    if (chooser.exec() != QDialog::Accepted)
-        return;
-    const QStringList chosen = chooser.selectedFiles();
+    const QString chosen = chosenFile(chooser);
     if (chosen.isEmpty())
         return;
-    logoEdit.setText(chosen.first());
-    showPicture(preview, chosen.first());
+    logoEdit.setText(chosen);
+    showPicture(preview, chosen);
 }
 
 void addLogoRows(QFormLayout& form, const char* title, QLineEdit* logoEdit, const QString& storedPath)

@@ -2,13 +2,12 @@
 
 #include "core/BwfMetadata.h"
 #include "core/Timecode.h"
+#include "core/WholeNumber.h"
 
 #include <QDateTime>
 #include <QFileInfo>
 
 #include <array>
-#include <cmath>
-#include <limits>
 
 namespace {
 
@@ -16,18 +15,6 @@ constexpr uint64_t kSecondsPerMinute = 60;
 constexpr uint64_t kSecondsPerHour = 3600;
 constexpr double kUnitStep = 1024.0;
 constexpr std::array kSizeUnits{ "B", "KB", "MB", "GB", "TB" };
-
-/// The whole part of `value`; 0 for a negative number or none at all, the greatest number for what lies beyond.
-uint64_t wholeOf(double value)
-{
-    if (!(value > 0.0))
-        return 0;
-    constexpr auto kGreatest = std::numeric_limits<uint64_t>::max();
-    // The limit itself is no double; the one next to it is 2^64, which no longer fits.
-    if (value >= std::ldexp(1.0, std::numeric_limits<uint64_t>::digits))
-        return kGreatest;
-    return static_cast<uint64_t>(value);
-}
 
 QString twoDigits(uint64_t number)
 {

@@ -1,6 +1,7 @@
 #include "app/files/FilePanel.h"
 
 #include "app/files/FolderModel.h"
+#include "app/look/Named.h"
 #include "app/look/PlainToolTip.h"
 #include "app/look/TableKeys.h"
 #include "app/look/Theme.h"
@@ -69,14 +70,13 @@ QString countText(qsizetype count)
 
 FilePanel::FilePanel(QWidget* parent, const QString& startDirectory, const QString& title) : QDialog(parent)
 {
-    setObjectName("filePanel");
+    named("filePanel", this);
     setWindowTitle(title);
     setModal(true);
     setStyleSheet(Theme::filledMainStyleSheet()); // There may be no parent to take it from.
     resize(kPanelSize);
 
-    auto* message = new QLabel(QString::fromLatin1(kMessage), this);
-    message->setObjectName("messageLabel");
+    auto* message = named("messageLabel", new QLabel(QString::fromLatin1(kMessage), this));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(message);
     layout->addWidget(buildLocationRow());
@@ -96,13 +96,11 @@ QWidget* FilePanel::buildLocationRow()
     layout->setContentsMargins(0, 0, 0, 0);
 
     auto* label = new QLabel("F&older:", row);
-    locationEdit = new QLineEdit(row);
-    locationEdit->setObjectName("locationEdit");
+    locationEdit = named("locationEdit", new QLineEdit(row));
     locationEdit->installEventFilter(this);
     label->setBuddy(locationEdit);
 
-    upButton = new QToolButton(row);
-    upButton->setObjectName("upButton");
+    upButton = named("upButton", new QToolButton(row));
     upButton->setIcon(style()->standardIcon(QStyle::SP_FileDialogToParent));
     upButton->setToolTip("Go to the folder above (Alt+Up)");
     upButton->setAccessibleName("Go to the folder above");
@@ -121,8 +119,7 @@ QWidget* FilePanel::buildListing()
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
 
-    placesList = new QListWidget(row);
-    placesList->setObjectName("placesList");
+    placesList = named("placesList", new QListWidget(row));
     placesList->setAccessibleName("Places");
     placesList->setFixedWidth(kPlacesWidth);
     placesList->setIconSize(kPlaceIconSize); // The styles' icons differ in size, and the names would not line up.
@@ -132,8 +129,7 @@ QWidget* FilePanel::buildListing()
         [this](QListWidgetItem* item) { showFolder(item->data(Qt::UserRole).toString()); });
 
     folderModel = new FolderModel(this);
-    fileView = new QTreeView(row);
-    fileView->setObjectName("fileView");
+    fileView = named("fileView", new QTreeView(row));
     fileView->setAccessibleName("Files and folders");
     fileView->setModel(folderModel);
     fileView->setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -164,15 +160,12 @@ QWidget* FilePanel::buildButtonRow()
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
 
-    selectionLabel = new QLabel(row);
-    selectionLabel->setObjectName("selectionLabel");
+    selectionLabel = named("selectionLabel", new QLabel(row));
     selectionLabel->setTextFormat(Qt::PlainText);
 
     auto* buttons = new QDialogButtonBox(row);
-    QPushButton* cancelButton = buttons->addButton(QDialogButtonBox::Cancel);
-    cancelButton->setObjectName("cancelButton");
-    pickButton = buttons->addButton("Add", QDialogButtonBox::AcceptRole);
-    pickButton->setObjectName("pickButton");
+    named("cancelButton", buttons->addButton(QDialogButtonBox::Cancel));
+    pickButton = named("pickButton", buttons->addButton("Add", QDialogButtonBox::AcceptRole));
     pickButton->setToolTip("Add what is selected, folders too (Ctrl+Return)");
     pickButton->setDefault(true);
     connect(buttons, &QDialogButtonBox::accepted, this, &FilePanel::addSelection);

@@ -1,5 +1,7 @@
 #include "app/files/FolderWalk.h"
 
+#include "app/files/WavSuffix.h"
+
 #include <QByteArrayView>
 #include <QFile>
 
@@ -76,7 +78,7 @@ private:
             return;
 
         std::error_code error;
-        const bool isFile = isWavName(bytes) && entry.is_regular_file(error);
+        const bool isFile = hasWavSuffix(bytes) && entry.is_regular_file(error);
         const bool isFolder = !isFile && !entry.is_symlink(error) && entry.is_directory(error);
         if ((isFile || isFolder) && !name.isValidUtf8()) {
             unnamed.push_back(path);
@@ -86,18 +88,6 @@ private:
             entries.push_back({ QString::fromUtf8(name), false });
         if (isFolder)
             entries.push_back({ QString::fromUtf8(name) + u'/', true });
-    }
-
-    static bool isWavName(std::string_view name)
-    {
-        constexpr std::string_view kSuffix = ".wav";
-        if (name.size() < kSuffix.size())
-            return false;
-        const std::string_view end = name.substr(name.size() - kSuffix.size());
-        return std::equal(end.begin(), end.end(), kSuffix.begin(), [](char byte, char wanted) {
-            const bool upper = byte >= 'A' && byte <= 'Z';
-            return (upper ? static_cast<char>(byte - 'A' + 'a') : byte) == wanted;
-        });
     }
 
     std::string root;

@@ -58,6 +58,19 @@ private:
     locale_t previous;
 };
 
+// What `parse` makes of the value; `fallback` without one, and where it is no number or one out of range.
+template <typename Number, typename Parse> Number numberOr(Number fallback, const std::string* value, Parse parse)
+{
+    if (!value)
+        return fallback;
+    const PlainNumbers plain;
+    try {
+        return parse(*value);
+    } catch (const std::logic_error&) {
+        return fallback;
+    }
+}
+
 std::string directoryUnderHome()
 {
     const char* home = std::getenv("HOME");
@@ -196,15 +209,7 @@ void ConfigManager::setInt(const std::string& key, int value)
 int ConfigManager::getInt(const std::string& key, int defaultValue) const
 {
     const std::lock_guard lock(mutex);
-    const std::string* value = find(key);
-    if (!value)
-        return defaultValue;
-    const PlainNumbers plain;
-    try {
-        return std::stoi(*value);
-    } catch (const std::logic_error&) { // No number, or one out of range.
-        return defaultValue;
-    }
+    return numberOr(defaultValue, find(key), [](const std::string& text) { return std::stoi(text); });
 }
 
 void ConfigManager::setFloat(const std::string& key, float value)
@@ -219,15 +224,7 @@ void ConfigManager::setFloat(const std::string& key, float value)
 float ConfigManager::getFloat(const std::string& key, float defaultValue) const
 {
     const std::lock_guard lock(mutex);
-    const std::string* value = find(key);
-    if (!value)
-        return defaultValue;
-    const PlainNumbers plain;
-    try {
-        return std::stof(*value);
-    } catch (const std::logic_error&) { // No number, or one out of range.
-        return defaultValue;
-    }
+    return numberOr(defaultValue, find(key), [](const std::string& text) { return std::stof(text); });
 }
 
 void ConfigManager::setBool(const std::string& key, bool value)

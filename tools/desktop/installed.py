@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""Works with a program that is installed in another system: opens a recording, corrects it, makes a report, quits.
-Everything but the program stays outside that system, so that it lends the program nothing. Needs to be root.
+"""Works with what is installed in another system: opens a recording, corrects it, makes a report, quits; then reads and
+prints with the command line. Everything but the programs stays outside that system, so that it lends them nothing.
+Needs to be root.
 
 Usage: installed.py ROOT DAY PICTURES
 ROOT is the other system's folder and shares /tmp with this one; DAY is a folder of demo recordings below /tmp.
@@ -54,6 +55,19 @@ def report(window, recording):
     expect("%s,12C," % recording.name in path.read_text(encoding="utf-8"), "the report has the take")
 
 
+def command_line(root, day):
+    """What the package leaves out of its dependencies shows here: the program and what it loads to print."""
+    def run(*words):
+        done = subprocess.run(["chroot", str(root), "tagwell-cli", *words], capture_output=True, text=True)
+        expect((done.returncode, done.stderr) == (0, ""), "tagwell-cli %s ends well and in silence" % words[0])
+        return done.stdout
+
+    expect("12C" in run("dump", str(day)), "the command line shows the scene that the window saved")
+    sheet = day / "sheet.pdf"
+    run("report", "--format", "pdf", "-o", str(sheet), str(day))
+    expect(sheet.read_bytes().startswith(b"%PDF-"), "the command line prints a report")
+
+
 def main():
     root, day, pictures = (pathlib.Path(word) for word in sys.argv[1:])
     check_program(root)
@@ -66,6 +80,7 @@ def main():
         expect(window.quit() == 0, "the program ends with 0")
         expect(desktop.printed() == b"", "the program prints nothing")
         expect((pathlib.Path(desktop.home) / ".config" / "Vorlund" / "config.ini").is_file(), "the settings are kept")
+    command_line(root, day)
 
 
 main()
