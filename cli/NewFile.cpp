@@ -47,7 +47,7 @@ std::string whereLinksLead(const std::string& path)
     if (!std::filesystem::is_regular_file(path, error))
         throw RunError{ path, "it is no file that could be replaced" };
     const std::filesystem::path canonical = std::filesystem::canonical(path, error);
-    const std::string real = error ? path : canonical.string();
+    std::string real = error ? path : canonical.string();
     if (isRecording(real))
         throw RunError{ path, "it is a recording, and none is replaced" };
     return real;
